@@ -1,0 +1,115 @@
+#include "KoviKit/foundation/FileIO.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <random>
+
+namespace kovi {
+namespace {
+
+class FileDescriptor {
+ public:
+  explicit FileDescriptor(int fd) : fd_(fd) {}
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
+  ~FileDescriptor() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  int get() const { return fd_; }
+  // Closes now and reports whether the close succeeded (write errors can surface here).
+  bool close() {
+    const int fd = fd_;
+    fd_ = -1;
+    return ::close(fd) == 0;
+  }
+
+ private:
+  int fd_;
+};
+
+std::string systemError(std::string_view what, const std::filesystem::path& path) {
+  return std::string(what) + " " + path.string() + ": " + std::strerror(errno);
+}
+
+bool writeAll(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(fd, bytes.data(), bytes.size());
+    if (written < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+std::filesystem::path temporarySibling(const std::filesystem::path& path) {
+  std::random_device random;
+  return path.parent_path() /
+         ("." + path.filename().string() + ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(random()));
+}
+
+}  // namespace
+
+std::expected<std::string, FileReadError> readFileLimited(const std::filesystem::path& path, std::size_t limit) {
+  FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.get() < 0) {
+    const auto failure = errno == ENOENT || errno == ENOTDIR ? FileReadFailure::missing : FileReadFailure::unreadable;
+    return std::unexpected(FileReadError{failure, std::strerror(errno)});
+  }
+  // Size the buffer from the file's reported size (a pipe or /proc file may
+  // report 0, so the buffer still grows up to the limit when it fills).
+  struct stat status {};
+  const std::size_t reported = ::fstat(file.get(), &status) == 0 && status.st_size > 0
+                                   ? static_cast<std::size_t>(status.st_size)
+                                   : 0;
+  std::string contents(std::min(reported, limit) + 1, '\0');
+  std::size_t filled = 0;
+  while (filled <= limit) {
+    if (filled == contents.size()) contents.resize(limit + 1);
+    const ssize_t count = ::read(file.get(), contents.data() + filled, contents.size() - filled);
+    if (count < 0) {
+      if (errno == EINTR) continue;
+      return std::unexpected(FileReadError{FileReadFailure::unreadable, std::strerror(errno)});
+    }
+    if (count == 0) break;
+    filled += static_cast<std::size_t>(count);
+  }
+  if (filled > limit) {
+    return std::unexpected(FileReadError{FileReadFailure::tooLarge, "larger than " + std::to_string(limit) + " bytes"});
+  }
+  contents.resize(filled);
+  return contents;
+}
+
+std::expected<void, std::string> writeFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
+  std::error_code error;
+  const std::filesystem::path directory = path.has_parent_path() ? path.parent_path() : ".";
+  std::filesystem::create_directories(directory, error);
+  if (error) return std::unexpected("cannot create " + directory.string() + ": " + error.message());
+
+  const std::filesystem::path temporary = temporarySibling(path);
+  FileDescriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+  if (file.get() < 0) return std::unexpected(systemError("cannot create", temporary));
+  if (!writeAll(file.get(), bytes) || ::fsync(file.get()) != 0 || !file.close()) {
+    const std::string reason = systemError("cannot write", temporary);
+    ::unlink(temporary.c_str());
+    return std::unexpected(reason);
+  }
+  if (::rename(temporary.c_str(), path.c_str()) != 0) {
+    const std::string reason = systemError("cannot replace", path);
+    ::unlink(temporary.c_str());
+    return std::unexpected(reason);
+  }
+  // Flush the directory so the rename itself survives a power loss.
+  FileDescriptor directoryHandle(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (directoryHandle.get() >= 0) ::fsync(directoryHandle.get());
+  return {};
+}
+
+}  // namespace kovi

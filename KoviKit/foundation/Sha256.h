@@ -1,0 +1,22 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kovi {
+
+using Sha256Digest = std::array<std::uint8_t, 32>;
+
+Sha256Digest sha256(std::span<const std::uint8_t> bytes);
+Sha256Digest sha256(std::string_view bytes);
+
+// Lowercase hexadecimal, two digits a byte.
+std::string lowercaseHex(std::span<const std::uint8_t> bytes);
+
+// Lowercase hex SHA-256 of `bytes`: the form hashes take on the wire.
+std::string sha256Hex(std::string_view bytes);
+
+}  // namespace kovi

@@ -1,0 +1,34 @@
+# Front door. `make run` and `make test` are all a fresh machine needs.
+.PHONY: deps run test bench dev fuzz clean
+
+BUILD_JOBS ?= $(shell nproc)
+
+deps:
+	@scripts/install-deps
+
+# Release build, then the agent's demo on its embedded sample schedule.
+run: deps
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release -j $(BUILD_JOBS)
+	@scripts/run-demo build/release
+
+# What CI runs: warnings are errors, then the whole suite; ctest's summary is last.
+test: deps
+	@cmake --preset ci >/dev/null
+	@cmake --build --preset ci -j $(BUILD_JOBS)
+	@ctest --preset ci
+
+# Every benchmark in bench/, optimised, each reporting against its in-run baseline.
+bench: deps
+	@cmake --preset release -DKOVI_BUILD_BENCHMARKS=ON >/dev/null
+	@cmake --build --preset release -j $(BUILD_JOBS)
+	@scripts/run-benchmarks build/release
+
+# Debug build with AddressSanitizer and UndefinedBehaviorSanitizer, and its tests.
+dev: deps
+	@cmake --preset dev >/dev/null
+	@cmake --build --preset dev -j $(BUILD_JOBS)
+	@ctest --preset dev
+
+clean:
+	rm -rf build
