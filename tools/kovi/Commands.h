@@ -1,0 +1,18 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace kovi::tool {
+
+// Each command group of `kovi` lives in its own file and adds its subcommands
+// here. A command's callback sets the process exit status through
+// `exitStatus()`; usage errors are CLI11's (exit 2).
+void addErrorsCommands(CLI::App& app);
+void addCallCommand(CLI::App& app);
+
+// The status `kovi` exits with once the chosen command has run: 0 when the
+// command ran and found what was asked, 1 when it ran and found a negative
+// answer (an invalid rule set, an error response, no invite code).
+int& exitStatus();
+
+}  // namespace kovi::tool

@@ -1,0 +1,26 @@
+// `kovi`: the command-line tool over KoviKit for the people who run and test
+// the Kovi service.
+#include <CLI/CLI.hpp>
+
+#include "tools/kovi/Commands.h"
+
+namespace kovi::tool {
+
+int& exitStatus() {
+  static int status = 0;
+  return status;
+}
+
+}  // namespace kovi::tool
+
+int main(int argc, char** argv) {
+  CLI::App app{"kovi — inspect and exercise the Kovi framework: rules, errors, walking evidence, invites, the cat"};
+  app.require_subcommand(1);
+  app.set_help_all_flag("--help-all", "Print help for every command");
+
+  kovi::tool::addErrorsCommands(app);
+  kovi::tool::addCallCommand(app);
+
+  CLI11_PARSE(app, argc, argv);
+  return kovi::tool::exitStatus();
+}
