@@ -1,0 +1,69 @@
+#include "KoviKit/foundation/FileIO.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/TemporaryDirectory.h"
+
+namespace kovi {
+namespace {
+
+using testing::TemporaryDirectory;
+
+TEST(FileIOTest, ReadsUpToTheLimitAndRefusesOneByteMore) {
+  const TemporaryDirectory directory;
+  const struct {
+    std::size_t size;
+    bool readable;
+  } cases[] = {{0, true}, {1, true}, {65'535, true}, {65'536, true}, {65'537, false}, {200'000, false}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.size);
+    const auto path = directory.write("file-" + std::to_string(c.size), std::string(c.size, 'x'));
+    const auto contents = readFileLimited(path, 65'536);
+    if (c.readable) {
+      ASSERT_TRUE(contents.has_value());
+      EXPECT_EQ(contents->size(), c.size);
+    } else {
+      ASSERT_FALSE(contents.has_value());
+      EXPECT_EQ(contents.error().failure, FileReadFailure::tooLarge);
+    }
+  }
+}
+
+TEST(FileIOTest, TellsMissingFromUnreadable) {
+  const TemporaryDirectory directory;
+  EXPECT_EQ(readFileLimited(directory.path() / "absent.json", 10).error().failure, FileReadFailure::missing);
+  EXPECT_EQ(readFileLimited(directory.path() / "absent" / "deeper.json", 10).error().failure,
+            FileReadFailure::missing);
+  // A directory opens but cannot be read as a file.
+  EXPECT_EQ(readFileLimited(directory.path(), 10).error().failure, FileReadFailure::unreadable);
+}
+
+TEST(FileIOTest, AtomicWriteReplacesCreatesParentsAndLeavesNoTemporaryFiles) {
+  const TemporaryDirectory directory;
+  const auto path = directory.path() / "Kovi" / "Holds" / "holds.json";
+  ASSERT_TRUE(writeFileAtomically(path, "first").has_value());
+  ASSERT_TRUE(writeFileAtomically(path, "second, longer").has_value());
+  EXPECT_EQ(*readFileLimited(path, 100), "second, longer");
+  std::size_t entries = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(path.parent_path())) ++entries;
+  EXPECT_EQ(entries, 1u);
+}
+
+TEST(FileIOTest, FailedAtomicWriteNamesThePathAndLeavesNothingBehind) {
+  const TemporaryDirectory directory;
+  // A non-empty directory where the file should go: the final rename fails.
+  const auto path = directory.path() / "store.json";
+  directory.write("store.json/keep", "kept");
+  const auto written = writeFileAtomically(path, "new");
+  ASSERT_FALSE(written.has_value());
+  EXPECT_NE(written.error().find("store.json"), std::string::npos) << written.error();
+  EXPECT_EQ(*readFileLimited(path / "keep", 100), "kept");
+  std::size_t entries = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(directory.path())) ++entries;
+  EXPECT_EQ(entries, 1u) << "the temporary file must be removed";
+}
+
+}  // namespace
+}  // namespace kovi
