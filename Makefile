@@ -30,5 +30,12 @@ dev: deps
 	@cmake --build --preset dev -j $(BUILD_JOBS)
 	@ctest --preset dev
 
+# clang + libFuzzer build of every fuzz target; run one with e.g.
+# build/fuzz/fuzz/snapshot/fuzz_snapshot fuzz/corpus/fuzz_snapshot -max_total_time=60
+fuzz:
+	@scripts/install-deps fuzz
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz -j $(BUILD_JOBS) --target $$(cmake --build --preset fuzz --target help | sed -n 's/^\(fuzz_[a-z_]*\):.*/\1/p' | tr '\n' ' ')
+
 clean:
 	rm -rf build
