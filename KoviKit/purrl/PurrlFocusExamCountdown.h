@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "KoviKit/foundation/Calendar.h"
+#include "KoviKit/purrl/PurrlFocusSubject.h"
+#include "KoviKit/purrl/PurrlRecordCoding.h"
+
+namespace kovi {
+
+// The days left until an exam the person prepares for.
+struct PurrlFocusExamCountdown {
+  PurrlFocusExamKind exam = PurrlFocusExamKind::other;
+  std::optional<std::string> label;
+  std::string day;  // the exam day
+  int daysLeft = 0;
+  bool operator==(const PurrlFocusExamCountdown&) const = default;
+};
+
+template <>
+struct PurrlRecordFields<PurrlFocusExamCountdown> {
+  using R = PurrlFocusExamCountdown;
+  static constexpr auto fields = std::tuple{purrlField("exam", &R::exam), purrlField("label", &R::label),
+                                            purrlField("day", &R::day), purrlField("daysLeft", &R::daysLeft)};
+};
+
+// Whole calendar days from `today` until `examDay`, as the countdown shows
+// them before the service answers: the exam day itself is not counted, so an
+// exam tomorrow has 1 day left and an exam today 0; a past exam counts
+// negative. Nullopt when either day string names no day of `calendar`.
+std::optional<int> purrlDaysLeft(std::string_view today, std::string_view examDay, const Calendar& calendar);
+
+}  // namespace kovi
