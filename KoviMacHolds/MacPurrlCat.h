@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "KoviKit/foundation/Json.h"
+#include "KoviKit/foundation/KeyValueStore.h"
 
 namespace kovi::holds {
 
@@ -59,6 +60,10 @@ struct MacPurrlCat {
 // The stage of a stored growth level (0 kitten, 1 young, 2 grown); levels out
 // of range are clamped the way the app stores them.
 std::string_view purrlCatStageForLevel(long long level);
+
+// The stage of the level the main app stored in the shared preferences
+// ("purrl.cat.level"); absent when there is none or it is not a number.
+std::optional<std::string> purrlCatStage(const KeyValueStore& preferences);
 
 }  // namespace kovi::holds
 

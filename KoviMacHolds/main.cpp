@@ -15,11 +15,13 @@ int& exitStatus() {
 int main(int argc, char** argv) {
   CLI::App app{"kovi-holds — keeps the holds the main Kovi app scheduled (study blocks, nights, the Social "
                "allowance) and shows what is held when"};
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   app.set_help_all_flag("--help-all", "Print help for every command");
 
   kovi::holds::addStatusCommand(app);
   kovi::holds::addScheduleCommand(app);
+  kovi::holds::addRunCommand(app);
+  kovi::holds::addShieldCommand(app);
 
   try {
     app.parse(argc, argv);
@@ -27,5 +29,6 @@ int main(int argc, char** argv) {
     // --help is a ParseError with status 0; everything else is a usage error.
     return app.exit(error) == 0 ? 0 : 2;
   }
+  if (app.get_subcommands().empty()) return kovi::holds::runAgentWithDefaults();
   return kovi::holds::exitStatus();
 }

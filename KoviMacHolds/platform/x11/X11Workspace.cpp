@@ -1,0 +1,277 @@
+#include "KoviMacHolds/platform/x11/X11Workspace.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <X11/Xutil.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+
+#include "KoviMacHolds/MacHoldsIdentity.h"
+
+namespace kovi::holds::x11 {
+
+namespace {
+
+// _NET_ACTIVE_WINDOW source indication of a pager: the window manager honours
+// it without focus-stealing checks, as a click in a task bar would be.
+constexpr long kSourcePager = 2;
+
+std::filesystem::path lockPath() {
+  const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+  if (runtime != nullptr && runtime[0] == '/') return std::filesystem::path(runtime) / "kovi-holds.lock";
+  return std::filesystem::temp_directory_path() / ("kovi-holds-" + std::to_string(getuid()) + ".lock");
+}
+
+// Starts `program` from PATH detached from the agent (its own session, and
+// reparented to init so the agent never has to reap it).
+void launchDetached(const char* program) {
+  const pid_t child = fork();
+  if (child < 0) return;
+  if (child == 0) {
+    setsid();
+    if (fork() == 0) {
+      execlp(program, program, static_cast<char*>(nullptr));
+      _exit(127);
+    }
+    _exit(0);
+  }
+  waitpid(child, nullptr, 0);
+}
+
+bool isOnPath(const char* program) {
+  const char* path = std::getenv("PATH");
+  if (path == nullptr) return false;
+  std::string_view rest(path);
+  while (!rest.empty()) {
+    const auto colon = rest.find(':');
+    const std::filesystem::path candidate = std::filesystem::path(std::string(rest.substr(0, colon))) / program;
+    if (access(candidate.c_str(), X_OK) == 0) return true;
+    if (colon == std::string_view::npos) break;
+    rest.remove_prefix(colon + 1);
+  }
+  return false;
+}
+
+}  // namespace
+
+X11Workspace::X11Workspace(X11Display& display, X11RunLoop& runLoop) : display_(display) {
+  XSelectInput(display_.get(), display_.root(), PropertyChangeMask);
+  refreshClients(false);
+  activeWindow_ = display_.windowProperty(display_.root(), display_.atoms().netActiveWindow);
+  runLoop.addEventHandler([this](const XEvent& event) { handleEvent(event); });
+  runLoop.setWakeHandler([this] { notify(MacWorkspaceEvent::didWake, std::nullopt); });
+}
+
+X11Workspace::~X11Workspace() {
+  if (lockFd_ >= 0) close(lockFd_);
+}
+
+void X11Workspace::handleEvent(const XEvent& event) {
+  if (event.type != PropertyNotify || event.xproperty.window != display_.root()) return;
+  if (event.xproperty.atom == display_.atoms().netClientList) {
+    refreshClients(true);
+  } else if (event.xproperty.atom == display_.atoms().netActiveWindow) {
+    activeWindowChanged();
+  }
+}
+
+std::optional<X11Workspace::ClientWindow> X11Workspace::describeWindow(Window window) const {
+  const auto pid = display_.cardinalProperty(window, display_.atoms().netWmPid);
+  if (!pid || *pid <= 0) return std::nullopt;  // no process to speak of
+  ClientWindow client;
+  client.processIdentifier = static_cast<pid_t>(*pid);
+  if (client.processIdentifier == getpid()) {
+    client.identity = {std::string(kMacHoldsAgentBundleID), "Kovi"};
+  } else {
+    client.identity = x11ApplicationIdentity(display_.windowClass(window).value_or(X11WindowClass{}));
+  }
+  const auto& atoms = display_.atoms();
+  for (Atom type : display_.atomListProperty(window, atoms.netWmWindowType)) {
+    if (type == atoms.netWmWindowTypeDock || type == atoms.netWmWindowTypeDesktop) client.isDesktopPart = true;
+  }
+  return client;
+}
+
+void X11Workspace::refreshClients(bool notify) {
+  const std::set<pid_t> before = processes();
+  const auto windows = display_.windowListProperty(display_.root(), display_.atoms().netClientList);
+  std::map<Window, ClientWindow> updated;
+  for (Window window : windows) {
+    if (auto known = clients_.find(window); known != clients_.end()) {
+      updated.emplace(window, known->second);
+    } else if (auto client = describeWindow(window)) {
+      // WM_STATE changes of other clients' windows confirm hides; the
+      // agent's own windows keep the event mask they were created with.
+      if (client->processIdentifier != getpid()) XSelectInput(display_.get(), window, PropertyChangeMask);
+      updated.emplace(window, std::move(*client));
+    }
+  }
+  clients_ = std::move(updated);
+  if (!notify) return;
+  const std::set<pid_t> after = processes();
+  for (pid_t pid : after) {
+    if (!before.contains(pid)) this->notify(MacWorkspaceEvent::didLaunchApplication, pid);
+  }
+  for (pid_t pid : before) {
+    if (!after.contains(pid)) this->notify(MacWorkspaceEvent::didTerminateApplication, pid);
+  }
+}
+
+void X11Workspace::activeWindowChanged() {
+  const auto active = display_.windowProperty(display_.root(), display_.atoms().netActiveWindow);
+  if (active == activeWindow_) return;
+  activeWindow_ = active;
+  if (!active) return;
+  auto client = clients_.find(*active);
+  if (client == clients_.end()) {
+    // Activated before the client list mentioned it.
+    refreshClients(true);
+    client = clients_.find(*active);
+    if (client == clients_.end()) return;
+  }
+  notify(MacWorkspaceEvent::didActivateApplication, client->second.processIdentifier);
+}
+
+std::set<pid_t> X11Workspace::processes() const {
+  std::set<pid_t> result;
+  for (const auto& [window, client] : clients_) result.insert(client.processIdentifier);
+  return result;
+}
+
+std::optional<MacRunningApplication> X11Workspace::applicationOf(pid_t processIdentifier) const {
+  std::optional<MacRunningApplication> application;
+  for (const auto& [window, client] : clients_) {
+    if (client.processIdentifier != processIdentifier) continue;
+    const auto policy = client.isDesktopPart ? MacActivationPolicy::accessory : MacActivationPolicy::regular;
+    if (!application || (application->activationPolicy != MacActivationPolicy::regular &&
+                         policy == MacActivationPolicy::regular)) {
+      // One ordinary window makes the whole process an ordinary application.
+      application = MacRunningApplication{processIdentifier, client.identity.bundleIdentifier,
+                                          client.identity.displayName, policy, false};
+    }
+  }
+  return application;
+}
+
+std::vector<MacRunningApplication> X11Workspace::runningApplications() {
+  std::vector<MacRunningApplication> result;
+  for (pid_t pid : processes()) {
+    if (auto application = applicationOf(pid)) result.push_back(std::move(*application));
+  }
+  return result;
+}
+
+std::optional<MacRunningApplication> X11Workspace::frontmostApplication() {
+  const auto active = display_.windowProperty(display_.root(), display_.atoms().netActiveWindow);
+  if (!active) return std::nullopt;
+  const auto client = clients_.find(*active);
+  if (client == clients_.end()) return std::nullopt;
+  return applicationOf(client->second.processIdentifier);
+}
+
+std::optional<MacRunningApplication> X11Workspace::runningApplication(pid_t processIdentifier) {
+  return applicationOf(processIdentifier);
+}
+
+bool X11Workspace::hide(const MacRunningApplication& application) {
+  if (application.processIdentifier == getpid()) return false;
+  std::vector<Window> windows;
+  for (const auto& [window, client] : clients_) {
+    if (client.processIdentifier == application.processIdentifier && !client.isDesktopPart) windows.push_back(window);
+  }
+  if (windows.empty()) return false;
+  for (Window window : windows) {
+    if (display_.wmState(window) != IconicState) XIconifyWindow(display_.get(), window, display_.screen());
+  }
+  XFlush(display_.get());
+  return waitUntilIconic(windows);
+}
+
+bool X11Workspace::waitUntilIconic(const std::vector<Window>& windows) {
+  const auto deadline = std::chrono::steady_clock::now() + hideConfirmationTime;
+  auto allIconic = [&] {
+    return std::ranges::all_of(windows, [&](Window window) { return display_.wmState(window) == IconicState; });
+  };
+  struct Match {
+    const std::vector<Window>* windows;
+    Atom wmState;
+  } match{&windows, display_.atoms().wmState};
+  auto isWmStateChange = [](Display*, XEvent* event, XPointer argument) -> Bool {
+    const auto* wanted = reinterpret_cast<const Match*>(argument);
+    return event->type == PropertyNotify && event->xproperty.atom == wanted->wmState &&
+           std::ranges::find(*wanted->windows, event->xproperty.window) != wanted->windows->end();
+  };
+
+  while (!allIconic()) {
+    // Take only the WM_STATE changes of these windows off the queue; every
+    // other event stays for the run loop.
+    XEvent event;
+    bool changed = false;
+    while (XCheckIfEvent(display_.get(), &event, isWmStateChange, reinterpret_cast<XPointer>(&match))) changed = true;
+    if (changed) continue;
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    if (left.count() <= 0) return false;
+    pollfd fd{display_.fd(), POLLIN, 0};
+    poll(&fd, 1, static_cast<int>(left.count()));
+  }
+  return true;
+}
+
+void X11Workspace::openMainApp() {
+  for (const auto& [window, client] : clients_) {
+    if (client.identity.bundleIdentifier == kMacHoldsMainAppBundleID) {
+      display_.sendRootMessage(window, display_.atoms().netActiveWindow, kSourcePager, CurrentTime);
+      XFlush(display_.get());
+      return;
+    }
+  }
+  if (isOnPath("kovi-app")) launchDetached("kovi-app");
+}
+
+bool X11Workspace::anotherAgentIsRunning() {
+  if (lockFd_ >= 0) return false;  // this process holds the lock already
+  const int fd = ::open(lockPath().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  if (fd < 0) return false;  // without a lock file there is nothing to compete for
+  if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+    const bool held = errno == EWOULDBLOCK;
+    close(fd);
+    return held;
+  }
+  lockFd_ = fd;
+  return false;
+}
+
+std::set<std::string> X11Workspace::desktopIdentifiers() const { return x11DesktopIdentifiers(); }
+
+MacObserverToken X11Workspace::addObserver(MacWorkspaceEvent event,
+                                           std::function<void(const MacWorkspaceNotification&)> handler) {
+  const MacObserverToken token = nextToken_++;
+  observers_.emplace(token, Observer{event, std::move(handler)});
+  return token;
+}
+
+void X11Workspace::removeObserver(MacObserverToken token) { observers_.erase(token); }
+
+void X11Workspace::notify(MacWorkspaceEvent event, std::optional<pid_t> processIdentifier) {
+  // A handler may add or remove observers; the ones registered now are called.
+  std::vector<MacObserverToken> tokens;
+  for (const auto& [token, observer] : observers_) {
+    if (observer.event == event) tokens.push_back(token);
+  }
+  const MacWorkspaceNotification note{event, processIdentifier};
+  for (MacObserverToken token : tokens) {
+    auto observer = observers_.find(token);
+    if (observer == observers_.end()) continue;
+    auto handler = observer->second.handler;
+    handler(note);
+  }
+}
+
+}  // namespace kovi::holds::x11
