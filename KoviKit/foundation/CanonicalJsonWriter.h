@@ -1,0 +1,62 @@
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace kovi {
+
+// Writes JSON text that is the same byte for byte on every run and every
+// platform, for texts that are hashed or signed (rules hashes, evidence
+// payloads). The caller chooses the key order; the writer fixes the rest:
+//
+// - no whitespace anywhere;
+// - integers as bare base-10 digits with a leading "-" for negatives, never an
+//   exponent, a fraction or a "+"; there is deliberately no floating-point
+//   value, because its shortest round-trip text differs between libraries;
+// - strings between double quotes with only the escapes JSON requires:
+//   \" and \\, the short forms \b \f \n \r \t, and every other byte below 0x20
+//   as \u00xx with lowercase hex digits. "/" and non-ASCII UTF-8 are copied
+//   as they are (no \u escapes), so the text equals what a JavaScript
+//   JSON.stringify of the same valid UTF-8 writes.
+//
+// The writer does not check nesting; records write themselves in a fixed shape.
+class CanonicalJsonWriter {
+ public:
+  void reserve(std::size_t bytes) { text_.reserve(bytes); }
+
+  CanonicalJsonWriter& beginObject();
+  CanonicalJsonWriter& endObject();
+  CanonicalJsonWriter& beginArray();
+  CanonicalJsonWriter& endArray();
+
+  // Writes `"name":`; the next call writes its value.
+  CanonicalJsonWriter& key(std::string_view name);
+
+  CanonicalJsonWriter& value(std::string_view text);
+  CanonicalJsonWriter& value(const char* text) { return value(std::string_view(text)); }
+  CanonicalJsonWriter& value(bool flag);
+  template <std::integral T>
+    requires(!std::same_as<T, bool>)
+  CanonicalJsonWriter& value(T number) {
+    if constexpr (std::is_signed_v<T>) return integer(static_cast<std::int64_t>(number));
+    else return unsignedInteger(static_cast<std::uint64_t>(number));
+  }
+
+  const std::string& text() const { return text_; }
+  std::string take() { return std::move(text_); }
+
+ private:
+  CanonicalJsonWriter& integer(std::int64_t number);
+  CanonicalJsonWriter& unsignedInteger(std::uint64_t number);
+  void beforeValue();
+  void appendString(std::string_view text);
+
+  std::string text_;
+  // Whether the next key or value follows a sibling and needs a comma.
+  bool followsSibling_ = false;
+};
+
+}  // namespace kovi
