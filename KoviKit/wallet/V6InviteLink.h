@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "KoviKit/foundation/Json.h"
+#include "KoviKit/wallet/V6InviteCode.h"
+
+namespace kovi {
+
+// A shareable invite link as the wallet service issues it.
+struct V6InviteLink {
+  std::string code;
+  std::string url;
+  // Floating seconds since 1970.
+  double expiresAt = 0;
+
+  bool operator==(const V6InviteLink&) const = default;
+
+  bool isExpired(double nowSeconds) const { return nowSeconds >= expiresAt; }
+
+  // The link's code in its one written form: taken from `code`, or, when
+  // that is not a code, from the link itself.
+  std::optional<V6InviteCode> inviteCode() const;
+};
+
+// A wire record: unknown keys are ignored.
+template <>
+struct JsonDecoder<V6InviteLink> {
+  static Decoded<V6InviteLink> decode(const JsonView& json);
+};
+
+}  // namespace kovi
