@@ -54,3 +54,15 @@ function(kovi_benchmark name)
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} benchmark::benchmark)
   set_property(GLOBAL APPEND PROPERTY KOVI_BENCHMARKS ${name})
 endfunction()
+
+# kovi_add_child_directories() — adds every immediate subdirectory of the
+# calling directory that has a CMakeLists.txt, so a new test, fuzz or bench
+# folder needs no registration.
+function(kovi_add_child_directories)
+  file(GLOB children LIST_DIRECTORIES true CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*)
+  foreach(child IN LISTS children)
+    if(IS_DIRECTORY ${child} AND EXISTS ${child}/CMakeLists.txt)
+      add_subdirectory(${child})
+    endif()
+  endforeach()
+endfunction()
