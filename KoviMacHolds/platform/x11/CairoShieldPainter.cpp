@@ -64,7 +64,7 @@ PurrlFontFace systemFace(int weight) {
 struct Composition {
   double width = 0;
   double height = 0;
-  CairoRect cat;
+  CairoRect cat{};
   Text caption;
   double captionX = 0, captionY = 0;
   struct Placed {
@@ -72,10 +72,10 @@ struct Composition {
     double x = 0, y = 0;
   };
   Placed label, headline, time, footnote;
-  CairoRect clock;
+  CairoRect clock{};
   struct Button {
     Text title;
-    CairoRect frame;
+    CairoRect frame{};
     bool hasSymbol = false;
   };
   std::vector<Button> buttons;
