@@ -34,6 +34,12 @@ std::optional<Window> nightOf(std::string_view day, int startMinute, int endMinu
   return Window{Window::Kind::sleep, *startDate, *endDate};
 }
 
+const MacHoldsSnapshot::ExamWeek* examWeekOf(const MacHoldsSnapshot& snapshot, const Calendar& calendar) {
+  const auto& week = snapshot.examWeek;
+  if (!week || !calendar.parseDay(week->startDay) || !calendar.parseDay(week->endDay)) return nullptr;
+  return &*week;
+}
+
 std::int64_t socialBudgetMS(const MacHoldsSnapshot& snapshot) {
   if (!snapshot.examWeek) return 0;
   return checkedMul<std::int64_t>(snapshot.examWeek->socialMinutes, 60'000);
@@ -75,7 +81,7 @@ std::int64_t elapsedSince(std::int64_t since, Date now) {
 std::vector<Window> windows(const MacHoldsSnapshot& snapshot, Date now, const Calendar& calendar) {
   std::vector<Window> found;
   const std::string today = calendar.dayString(now);
-  if (const auto& week = snapshot.examWeek) {
+  if (const auto* week = examWeekOf(snapshot, calendar)) {
     // Study blocks belong to the day they start on and never carry over midnight.
     if (insideExamWeek(*week, today)) {
       for (const int startMinute : {week->firstMinute, week->secondMinute}) {
@@ -130,9 +136,9 @@ MacHoldsDue due(const MacHoldsSnapshot& snapshot, Date now, const Calendar& cale
                                                  : MacHoldsDue::sleep(earliest->end);
   }
 
-  const auto& week = snapshot.examWeek;
+  const auto* week = examWeekOf(snapshot, calendar);
   const std::string today = calendar.dayString(now);
-  if (!week || !insideExamWeek(*week, today)) return MacHoldsDue::none();
+  if (week == nullptr || !insideExamWeek(*week, today)) return MacHoldsDue::none();
 
   // Outside windows, an exam-week day is under the Social hold until midnight,
   // except while the main app has a Social span open with budget left.
@@ -207,8 +213,9 @@ bool isActive(const MacHoldsSnapshot* snapshot, Date now, const Calendar& calend
   if (snapshot == nullptr || snapshot->stopped) return false;
   // An everyday sleep hold never ends by itself.
   if (snapshot->sleep) return true;
-  if (!snapshot->examWeek) return false;
-  if (calendar.dayString(now) <= snapshot->examWeek->endDay) return true;
+  const auto* week = examWeekOf(*snapshot, calendar);
+  if (week == nullptr) return false;
+  if (calendar.dayString(now) <= week->endDay) return true;
   // After the exam week, a night that began on its last day is seen through.
   return due(*snapshot, now, calendar).kind != MacHoldsDue::Kind::none;
 }

@@ -25,6 +25,11 @@ std::optional<Window> studyBlock(const MacHoldsSnapshot::ExamWeek& week, std::st
 // the same day, or into the next when it is not later than the start.
 std::optional<Window> nightOf(std::string_view day, int startMinute, int endMinute, const Calendar& calendar);
 
+// The snapshot's exam week when both of its days name real days of the
+// calendar. Day strings compare as text, so a malformed one ("2026-11-3x")
+// could otherwise match; an exam week whose days do not parse never matches.
+const MacHoldsSnapshot::ExamWeek* examWeekOf(const MacHoldsSnapshot& snapshot, const Calendar& calendar);
+
 // The day's Social allowance in milliseconds; 0 without an exam week.
 std::int64_t socialBudgetMS(const MacHoldsSnapshot& snapshot);
 

@@ -28,7 +28,7 @@ std::vector<UnixMillis> changeCandidates(const MacHoldsSnapshot& snapshot, std::
     if (window) boundaries.push_back(*window);
   };
   const std::vector<std::string> nights = nightDays(day, calendar);
-  if (const auto& week = snapshot.examWeek) {
+  if (const auto* week = examWeekOf(snapshot, calendar)) {
     keep(studyBlock(*week, day, week->firstMinute, calendar));
     keep(studyBlock(*week, day, week->secondMinute, calendar));
     if (week->sleepStart && week->sleepEnd) {

@@ -1,0 +1,83 @@
+#include "KoviMacHolds/MacHoldsDecision.h"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <string>
+
+#include "tests/holds/HoldsTestSnapshots.h"
+
+namespace kovi::holds {
+namespace {
+
+using namespace testing;
+using ActionKind = MacHoldsAction::Kind;
+using DueKind = MacHoldsDue::Kind;
+
+MacHoldsSnapshotLoad noSnapshot(MacHoldsSnapshotFailure::Kind kind) {
+  return std::unexpected(MacHoldsSnapshotFailure{kind, "test"});
+}
+
+struct DecisionCase {
+  friend void PrintTo(const DecisionCase& c, std::ostream* out) { *out << c.name; }
+  const char* name;
+  MacHoldsSnapshotLoad snapshot;
+  const char* now;
+  bool mainAppRunning;
+  ActionKind action;
+  DueKind due;
+};
+
+class DecisionTest : public ::testing::TestWithParam<DecisionCase> {};
+
+TEST_P(DecisionTest, DecidesAsTheEngine) {
+  const DecisionCase& c = GetParam();
+  const Calendar calendar = calendarIn("Europe/Istanbul");
+  const MacHoldsEvaluation evaluation = evaluateMacHolds(c.snapshot, at(c.now), calendar, c.mainAppRunning);
+  EXPECT_EQ(enumName(evaluation.action.kind()), enumName(c.action));
+  EXPECT_EQ(enumName(evaluation.due.kind), enumName(c.due));
+  EXPECT_EQ(decideMacHoldsAction(c.snapshot, at(c.now), calendar, c.mainAppRunning), evaluation.action);
+  // A hold carries the due hold and exactly the plan the schedule makes for it.
+  ASSERT_EQ(evaluation.action.held().has_value(), c.action == ActionKind::hold);
+  if (const auto& held = evaluation.action.held()) {
+    EXPECT_EQ(held->due, evaluation.due);
+    EXPECT_EQ(held->plan, MacHoldsSchedule::plan(evaluation.due, c.snapshot->keepCommunication,
+                                                 calendar.dayString(at(c.now))));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Decision, DecisionTest,
+    ::testing::Values(
+        DecisionCase{"MissingFileExits", noSnapshot(MacHoldsSnapshotFailure::Kind::missing),
+                     "2026-11-22T10:00:00+03:00", false, ActionKind::exit, DueKind::none},
+        DecisionCase{"NewerVersionExits", noSnapshot(MacHoldsSnapshotFailure::Kind::unsupportedVersion),
+                     "2026-11-22T10:00:00+03:00", false, ActionKind::exit, DueKind::none},
+        DecisionCase{"StudyBlockHolds", examWeekSnapshot(), "2026-11-22T10:00:00+03:00", false, ActionKind::hold,
+                     DueKind::study},
+        DecisionCase{"MainAppRunningStandsBy", examWeekSnapshot(), "2026-11-22T10:00:00+03:00", true,
+                     ActionKind::standBy, DueKind::study},
+        DecisionCase{"SocialHoldHolds", examWeekSnapshot(), "2026-11-22T12:00:00+03:00", false, ActionKind::hold,
+                     DueKind::social},
+        DecisionCase{"EverydaySleepAtNoonStandsBy", sleepSnapshot(1380, 420), "2026-11-22T12:00:00+03:00", false,
+                     ActionKind::standBy, DueKind::none},
+        DecisionCase{"LastExamNightHolds", examWeekSnapshot(), "2026-11-27T01:00:00+03:00", false, ActionKind::hold,
+                     DueKind::sleep},
+        DecisionCase{"AfterTheExamWeekExits", examWeekSnapshot(), "2026-11-27T08:00:00+03:00", false,
+                     ActionKind::exit, DueKind::none},
+        DecisionCase{"ExitsEvenWhileTheMainAppRuns", examWeekSnapshot(), "2026-11-27T08:00:00+03:00", true,
+                     ActionKind::exit, DueKind::none}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Decision, OpenSocialSpanStandsBy) {
+  MacHoldsSnapshot snapshot = examWeekSnapshot();
+  snapshot.allowance = MacFocus4Allowance{"2026-11-22", 0, millisAt("2026-11-22T11:55:00+03:00")};
+  const auto evaluation =
+      evaluateMacHolds(snapshot, at("2026-11-22T12:00:00+03:00"), calendarIn("Europe/Istanbul"), false);
+  EXPECT_EQ(evaluation.due, MacHoldsDue::socialOpen(at("2026-11-22T12:40:00+03:00")));
+  EXPECT_FALSE(evaluation.plan.has_value());
+  EXPECT_EQ(evaluation.action, MacHoldsAction::standBy());
+}
+
+}  // namespace
+}  // namespace kovi::holds

@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "KoviMacHolds/MacHoldsSchedule.h"
+#include "tests/holds/HoldsTestSnapshots.h"
+
+namespace kovi::holds {
+namespace {
+
+using namespace testing;
+using Kind = MacHoldsDue::Kind;
+
+struct PlanCase {
+  friend void PrintTo(const PlanCase& c, std::ostream* out) { *out << c.name; }
+  const char* name;
+  MacHoldsDue due;
+  bool keepCommunication;
+  const char* runID;
+  PurrlFocusModeID mode;  // the preset row the lists come from
+  bool allowlist;
+  bool examWeek;
+  bool withCommunication;  // the communication set is in bundleIDs
+};
+
+class PlanTest : public ::testing::TestWithParam<PlanCase> {};
+
+TEST_P(PlanTest, TakesItsListsFromThePresetRow) {
+  const PlanCase& c = GetParam();
+  const auto plan = MacHoldsSchedule::plan(c.due, c.keepCommunication, "2026-11-22");
+  ASSERT_TRUE(plan.has_value());
+  EXPECT_EQ(plan->runID, c.runID);
+  EXPECT_EQ(plan->mode, c.mode);
+  EXPECT_EQ(plan->allowlist, c.allowlist);
+  EXPECT_EQ(plan->examWeek, c.examWeek);
+  EXPECT_EQ(plan->until, c.due.until->unixMillis());
+
+  const PurrlFocusModeSpec& row = purrlFocusModeSpec(c.mode);
+  EXPECT_EQ(plan->domains, row.blockedDomains);
+  for (const std::string& bundleID : row.macBundleIDs) EXPECT_TRUE(plan->bundleIDs.contains(bundleID)) << bundleID;
+  std::size_t communication = 0;
+  for (const std::string_view bundleID : kMacHoldsCommunicationBundleIDs) {
+    communication += plan->bundleIDs.contains(std::string(bundleID));
+  }
+  // The row may itself name one of the set (the study tools include the calendar).
+  const auto rowCommunication = static_cast<std::size_t>(std::ranges::count_if(
+      kMacHoldsCommunicationBundleIDs,
+      [&](std::string_view id) { return std::ranges::find(row.macBundleIDs, id) != row.macBundleIDs.end(); }));
+  EXPECT_EQ(communication, c.withCommunication ? kMacHoldsCommunicationBundleIDs.size() : rowCommunication);
+  // Nothing but the row's applications and, where due, the communication set.
+  EXPECT_EQ(plan->bundleIDs.size(),
+            std::set<std::string>(row.macBundleIDs.begin(), row.macBundleIDs.end()).size() + communication -
+                rowCommunication);
+}
+
+const Date until = Date::fromUnixMillis(1'795'336'200'000.0);
+
+INSTANTIATE_TEST_SUITE_P(
+    Plan, PlanTest,
+    ::testing::Values(
+        PlanCase{"StudyKeepsCommunication", MacHoldsDue::study(until), true, "holds-study:1795336200000",
+                 PurrlFocusModeID::study, true, false, true},
+        PlanCase{"StudyWithoutCommunication", MacHoldsDue::study(until), false, "holds-study:1795336200000",
+                 PurrlFocusModeID::study, true, false, false},
+        // The sleep row is a block list: sparing communication means not adding it.
+        PlanCase{"SleepIsABlockList", MacHoldsDue::sleep(until), true, "holds-sleep:1795336200000",
+                 PurrlFocusModeID::sleep, false, false, false},
+        // The Social hold reuses row id 7 and names the day, never the instant.
+        PlanCase{"SocialReusesRowSeven", MacHoldsDue::social(until), true, "exam-week-social:2026-11-22",
+                 PurrlFocusModeID::gym, false, true, false}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Plan, NothingIsHeldWhileSocialIsOpenOrNothingIsDue) {
+  EXPECT_FALSE(MacHoldsSchedule::plan(MacHoldsDue::socialOpen(until), true, "2026-11-22").has_value());
+  EXPECT_FALSE(MacHoldsSchedule::plan(MacHoldsDue::none(), true, "2026-11-22").has_value());
+}
+
+TEST(Plan, UntilIsTruncatedToWholeMilliseconds) {
+  const auto plan = MacHoldsSchedule::plan(MacHoldsDue::study(Date::fromUnixMillis(1000.75)), false, "2026-11-22");
+  ASSERT_TRUE(plan.has_value());
+  EXPECT_EQ(plan->until, 1000);
+  EXPECT_EQ(plan->runID, "holds-study:1000");
+}
+
+TEST(Plan, EqualityTellsAChangedPlanFromARepeat) {
+  const auto first = MacHoldsSchedule::plan(MacHoldsDue::study(until), true, "2026-11-22");
+  const auto repeat = MacHoldsSchedule::plan(MacHoldsDue::study(until), true, "2026-11-22");
+  const auto changed = MacHoldsSchedule::plan(MacHoldsDue::study(until), false, "2026-11-22");
+  EXPECT_EQ(first, repeat);
+  EXPECT_NE(first, changed);
+}
+
+}  // namespace
+}  // namespace kovi::holds

@@ -1,0 +1,268 @@
+#include "KoviMacHolds/MacHoldsSchedule.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "tests/holds/HoldsTestSnapshots.h"
+
+namespace kovi::holds {
+namespace {
+
+using namespace testing;
+using Kind = MacHoldsDue::Kind;
+
+template <class Change>
+MacHoldsSnapshot with(MacHoldsSnapshot snapshot, Change change) {
+  change(snapshot);
+  return snapshot;
+}
+
+MacFocus4Allowance allowance(const char* day, std::int64_t usedMS, std::optional<std::int64_t> since) {
+  return MacFocus4Allowance{day, usedMS, since};
+}
+
+struct DueCase {
+  friend void PrintTo(const DueCase& c, std::ostream* out) { *out << c.name; }
+  const char* name;
+  const char* zone;
+  MacHoldsSnapshot snapshot;
+  const char* now;
+  Kind kind;
+  std::optional<const char*> until;
+  std::vector<const char*> windowStarts;  // every window containing now, in the order found
+};
+
+class DueTest : public ::testing::TestWithParam<DueCase> {};
+
+TEST_P(DueTest, FindsTheHoldAndItsEnd) {
+  const DueCase& c = GetParam();
+  const Calendar calendar = calendarIn(c.zone);
+  const MacHoldsDue due = MacHoldsSchedule::due(c.snapshot, at(c.now), calendar);
+  EXPECT_EQ(enumName(due.kind), enumName(c.kind));
+  ASSERT_EQ(due.until.has_value(), c.until.has_value());
+  if (c.until) {
+    EXPECT_EQ(due.until->unixMillis(), millisAt(*c.until));
+  }
+
+  std::vector<UnixMillis> starts;
+  for (const auto& window : MacHoldsSchedule::windows(c.snapshot, at(c.now), calendar)) {
+    starts.push_back(window.start.unixMillis());
+    EXPECT_LE(window.start, at(c.now));
+    EXPECT_LT(at(c.now), window.end);
+  }
+  std::vector<UnixMillis> expected;
+  for (const char* start : c.windowStarts) expected.push_back(millisAt(start));
+  EXPECT_EQ(starts, expected);
+}
+
+const char* const istanbul = "Europe/Istanbul";
+const char* const newYork = "America/New_York";
+
+INSTANTIATE_TEST_SUITE_P(
+    Schedule, DueTest,
+    ::testing::Values(
+        // A night 23:00–07:00: after midnight it is last night's, before midnight tonight's.
+        DueCase{"NightAfterMidnightIsLastNights", istanbul, examWeekSnapshot(), "2026-11-22T02:00:00+03:00",
+                Kind::sleep, "2026-11-22T07:00:00+03:00", {"2026-11-21T23:00:00+03:00"}},
+        DueCase{"NightBeforeMidnightEndsTomorrow", istanbul, examWeekSnapshot(), "2026-11-22T23:30:00+03:00",
+                Kind::sleep, "2026-11-23T07:00:00+03:00", {"2026-11-22T23:00:00+03:00"}},
+        DueCase{"NightEndIsExclusive", istanbul, examWeekSnapshot(), "2026-11-22T07:00:00+03:00", Kind::social,
+                "2026-11-23T00:00:00+03:00", {}},
+        // Equal start and end is a full day, not an empty night.
+        DueCase{"EqualStartAndEndLastsADay", istanbul, sleepSnapshot(1320, 1320), "2026-11-22T12:00:00+03:00",
+                Kind::sleep, "2026-11-22T22:00:00+03:00", {"2026-11-21T22:00:00+03:00"}},
+        DueCase{"EqualStartAndEndAtItsStart", istanbul, sleepSnapshot(1320, 1320), "2026-11-22T22:00:00+03:00",
+                Kind::sleep, "2026-11-23T22:00:00+03:00", {"2026-11-22T22:00:00+03:00"}},
+        DueCase{"StudyBlock", istanbul, examWeekSnapshot(), "2026-11-22T10:00:00+03:00", Kind::study,
+                "2026-11-22T11:30:00+03:00", {"2026-11-22T09:00:00+03:00"}},
+        DueCase{"StudyBlockEndIsExclusive", istanbul, examWeekSnapshot(), "2026-11-22T11:30:00+03:00",
+                Kind::social, "2026-11-23T00:00:00+03:00", {}},
+        // Overlapping windows: the one that began first decides.
+        DueCase{"StudyInsideANightFollowsTheNight", istanbul,
+                with(examWeekSnapshot(),
+                     [](MacHoldsSnapshot& s) {
+                       s.examWeek->sleepStart = 20 * 60;
+                       s.examWeek->secondMinute = 21 * 60;
+                       s.examWeek->blockMinutes = 60;
+                     }),
+                "2026-11-22T21:30:00+03:00", Kind::sleep, "2026-11-23T07:00:00+03:00",
+                {"2026-11-22T21:00:00+03:00", "2026-11-22T20:00:00+03:00"}},
+        DueCase{"NightInsideAStudyBlockFollowsTheBlock", istanbul,
+                with(examWeekSnapshot(),
+                     [](MacHoldsSnapshot& s) {
+                       s.examWeek->sleepStart.reset();
+                       s.examWeek->secondMinute = 21 * 60;
+                       s.examWeek->blockMinutes = 120;
+                       s.sleep = MacHoldsSnapshot::Sleep{22 * 60, 7 * 60, "chill"};
+                     }),
+                "2026-11-22T22:30:00+03:00", Kind::study, "2026-11-22T23:00:00+03:00",
+                {"2026-11-22T21:00:00+03:00", "2026-11-22T22:00:00+03:00"}},
+        // After the exam week: the last exam night is seen through, later nights are not.
+        DueCase{"LastExamNightCarriesIntoTheNextDay", istanbul, examWeekSnapshot(), "2026-11-27T01:00:00+03:00",
+                Kind::sleep, "2026-11-27T07:00:00+03:00", {"2026-11-26T23:00:00+03:00"}},
+        DueCase{"DayAfterTheExamWeekHoldsNothing", istanbul, examWeekSnapshot(), "2026-11-27T08:00:00+03:00",
+                Kind::none, std::nullopt, {}},
+        DueCase{"NightAfterTheExamWeekHoldsNothing", istanbul, examWeekSnapshot(), "2026-11-27T23:30:00+03:00",
+                Kind::none, std::nullopt, {}},
+        // The night that began before the first exam day does not count, and
+        // last night is not tried in its place: the Social hold applies.
+        DueCase{"NightBeforeTheExamWeekDoesNotCount", istanbul, examWeekSnapshot(), "2026-11-20T02:00:00+03:00",
+                Kind::social, "2026-11-21T00:00:00+03:00", {}},
+        DueCase{"BeforeTheExamWeekHoldsNothing", istanbul, examWeekSnapshot(), "2026-11-19T12:00:00+03:00",
+                Kind::none, std::nullopt, {}},
+        DueCase{"StoppedHoldsNothing", istanbul, with(examWeekSnapshot(), [](MacHoldsSnapshot& s) { s.stopped = true; }),
+                "2026-11-22T10:00:00+03:00", Kind::none, std::nullopt, {"2026-11-22T09:00:00+03:00"}},
+        DueCase{"UnparsableEndDayNeverMatches", istanbul,
+                with(examWeekSnapshot(), [](MacHoldsSnapshot& s) { s.examWeek->endDay = "2026-11-3x"; }),
+                "2026-11-22T10:00:00+03:00", Kind::none, std::nullopt, {}},
+        // The Social allowance: an open span keeps Social open while at least 1 ms is left.
+        DueCase{"OneMillisecondLeftKeepsSocialOpen", istanbul,
+                with(examWeekSnapshot(),
+                     [](MacHoldsSnapshot& s) {
+                       s.allowance = allowance("2026-11-22", 20 * kMinute, millisAt("2026-11-22T11:35:00.001+03:00"));
+                     }),
+                "2026-11-22T12:00:00+03:00", Kind::socialOpen, "2026-11-22T12:00:00.001+03:00", {}},
+        DueCase{"NothingLeftHoldsSocial", istanbul,
+                with(examWeekSnapshot(),
+                     [](MacHoldsSnapshot& s) {
+                       s.allowance = allowance("2026-11-22", 20 * kMinute, millisAt("2026-11-22T11:35:00+03:00"));
+                     }),
+                "2026-11-22T12:00:00+03:00", Kind::social, "2026-11-23T00:00:00+03:00", {}},
+        DueCase{"ZeroAllowanceHoldsSocialDespiteAnOpenSpan", istanbul,
+                with(examWeekSnapshot(),
+                     [](MacHoldsSnapshot& s) {
+                       s.examWeek->socialMinutes = 0;
+                       s.allowance = allowance("2026-11-22", 0, millisAt("2026-11-22T11:59:00+03:00"));
+                     }),
+                "2026-11-22T12:00:00+03:00", Kind::social, "2026-11-23T00:00:00+03:00", {}},
+        DueCase{"YesterdaysAllowanceRecordIsIgnored", istanbul,
+                with(examWeekSnapshot(),
+                     [](MacHoldsSnapshot& s) {
+                       s.allowance = allowance("2026-11-21", 0, millisAt("2026-11-22T11:59:00+03:00"));
+                     }),
+                "2026-11-22T12:00:00+03:00", Kind::social, "2026-11-23T00:00:00+03:00", {}},
+        DueCase{"OpenSpanEndsAtMidnightAtTheLatest", istanbul,
+                with(examWeekSnapshot(),
+                     [](MacHoldsSnapshot& s) {
+                       s.examWeek->sleepStart.reset();
+                       s.allowance = allowance("2026-11-22", 0, millisAt("2026-11-22T23:50:00+03:00"));
+                     }),
+                "2026-11-22T23:50:00+03:00", Kind::socialOpen, "2026-11-23T00:00:00+03:00", {}},
+        DueCase{"SpanStartingLaterHasUsedNothingYet", istanbul,
+                with(examWeekSnapshot(),
+                     [](MacHoldsSnapshot& s) {
+                       s.allowance = allowance("2026-11-22", 20 * kMinute, millisAt("2026-11-22T12:10:00+03:00"));
+                     }),
+                "2026-11-22T12:00:00+03:00", Kind::socialOpen, "2026-11-22T12:25:00+03:00", {}},
+        // Daylight saving in New York: 02:30 does not exist on 2026-03-08, so
+        // the night starts at 03:00; 01:30 happens twice on 2026-11-01 and the
+        // night starts at the first.
+        DueCase{"NightStartingInTheSpringGap", newYork, sleepSnapshot(150, 420), "2026-03-08T03:10:00-04:00",
+                Kind::sleep, "2026-03-08T07:00:00-04:00", {"2026-03-08T03:00:00-04:00"}},
+        DueCase{"BeforeTheSpringGapNothingIsDue", newYork, sleepSnapshot(150, 420), "2026-03-08T01:59:00-05:00",
+                Kind::none, std::nullopt, {}},
+        DueCase{"RepeatedHourBelongsToTheNightFromItsFirstPass", newYork, sleepSnapshot(90, 420),
+                "2026-11-01T01:15:00-05:00", Kind::sleep, "2026-11-01T07:00:00-05:00", {"2026-11-01T01:30:00-04:00"}},
+        DueCase{"StudyBlockAcrossTheRepeatedHourLastsTwoHours", newYork,
+                with(examWeekSnapshot(),
+                     [](MacHoldsSnapshot& s) {
+                       s.examWeek->startDay = "2026-10-30";
+                       s.examWeek->endDay = "2026-11-02";
+                       s.examWeek->firstMinute = 60;
+                       s.examWeek->blockMinutes = 60;
+                       s.examWeek->sleepStart.reset();
+                     }),
+                "2026-11-01T01:45:00-05:00", Kind::study, "2026-11-01T02:00:00-05:00", {"2026-11-01T01:00:00-04:00"}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+struct AllowanceCase {
+  friend void PrintTo(const AllowanceCase& c, std::ostream* out) { *out << c.name; }
+  const char* name;
+  MacHoldsSnapshot snapshot;
+  MacHoldsSchedule::AllowanceToday expected;
+};
+
+class AllowanceTodayTest : public ::testing::TestWithParam<AllowanceCase> {};
+
+TEST_P(AllowanceTodayTest, CountsOnlyTodaysRecord) {
+  const AllowanceCase& c = GetParam();
+  EXPECT_EQ(MacHoldsSchedule::allowanceToday(c.snapshot, at("2026-11-22T12:00:00+03:00"), calendarIn(istanbul)),
+            c.expected);
+}
+
+MacHoldsSnapshot examWeekWithAllowance(const char* day, std::int64_t usedMS, std::optional<const char*> since) {
+  auto snapshot = examWeekSnapshot();
+  snapshot.allowance = allowance(day, usedMS, since ? std::optional(millisAt(*since)) : std::nullopt);
+  return snapshot;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Schedule, AllowanceTodayTest,
+    ::testing::Values(
+        AllowanceCase{"NoRecord", examWeekSnapshot(), {"2026-11-22", 0, std::nullopt}},
+        AllowanceCase{"ClosedSpans", examWeekWithAllowance("2026-11-22", 20 * kMinute, std::nullopt),
+                      {"2026-11-22", 20 * kMinute, std::nullopt}},
+        AllowanceCase{"OpenSpanWithBudgetLeft",
+                      examWeekWithAllowance("2026-11-22", 20 * kMinute, "2026-11-22T11:50:00+03:00"),
+                      {"2026-11-22", 20 * kMinute, millisAt("2026-11-22T11:50:00+03:00")}},
+        AllowanceCase{"OneMillisecondLeftStaysOpen",
+                      examWeekWithAllowance("2026-11-22", 20 * kMinute, "2026-11-22T11:35:00.001+03:00"),
+                      {"2026-11-22", 20 * kMinute, millisAt("2026-11-22T11:35:00.001+03:00")}},
+        AllowanceCase{"SpentBudgetClosesTheSpan",
+                      examWeekWithAllowance("2026-11-22", 20 * kMinute, "2026-11-22T11:35:00+03:00"),
+                      {"2026-11-22", 45 * kMinute, std::nullopt}},
+        AllowanceCase{"OverspentIsCappedAtTheBudget",
+                      examWeekWithAllowance("2026-11-22", 40 * kMinute, "2026-11-22T10:00:00+03:00"),
+                      {"2026-11-22", 45 * kMinute, std::nullopt}},
+        AllowanceCase{"YesterdaysRecord", examWeekWithAllowance("2026-11-21", 30 * kMinute, "2026-11-22T11:50:00+03:00"),
+                      {"2026-11-22", 0, std::nullopt}},
+        AllowanceCase{"NoExamWeekMeansNoBudget",
+                      with(sleepSnapshot(1380, 420),
+                           [](MacHoldsSnapshot& s) {
+                             s.allowance = allowance("2026-11-22", 5 * kMinute, millisAt("2026-11-22T11:50:00+03:00"));
+                           }),
+                      {"2026-11-22", 0, std::nullopt}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+struct ActiveCase {
+  friend void PrintTo(const ActiveCase& c, std::ostream* out) { *out << c.name; }
+  const char* name;
+  std::optional<MacHoldsSnapshot> snapshot;
+  const char* now;
+  bool active;
+};
+
+class IsActiveTest : public ::testing::TestWithParam<ActiveCase> {};
+
+TEST_P(IsActiveTest, KeepsTheAgentOnlyWhileSomethingIsLeft) {
+  const ActiveCase& c = GetParam();
+  const MacHoldsSnapshot* snapshot = c.snapshot ? &*c.snapshot : nullptr;
+  EXPECT_EQ(MacHoldsSchedule::isActive(snapshot, at(c.now), calendarIn(istanbul)), c.active);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Schedule, IsActiveTest,
+    ::testing::Values(
+        ActiveCase{"NoSnapshot", std::nullopt, "2026-11-22T12:00:00+03:00", false},
+        ActiveCase{"Stopped", with(sleepSnapshot(1380, 420), [](MacHoldsSnapshot& s) { s.stopped = true; }),
+                   "2026-11-22T23:30:00+03:00", false},
+        ActiveCase{"EverydaySleepAtNoon", sleepSnapshot(1380, 420), "2026-11-22T12:00:00+03:00", true},
+        ActiveCase{"NeitherExamWeekNorSleep", MacHoldsSnapshot{}, "2026-11-22T12:00:00+03:00", false},
+        ActiveCase{"BeforeTheExamWeek", examWeekSnapshot(), "2026-11-10T12:00:00+03:00", true},
+        ActiveCase{"LastExamDay", examWeekSnapshot(), "2026-11-26T18:00:00+03:00", true},
+        ActiveCase{"LastExamNightAfterMidnight", examWeekSnapshot(), "2026-11-27T06:59:59.999+03:00", true},
+        ActiveCase{"MalformedExamWeek",
+                   with(examWeekSnapshot(), [](MacHoldsSnapshot& s) { s.examWeek->endDay = "2026-11-3x"; }),
+                   "2026-11-22T10:00:00+03:00", false},
+        ActiveCase{"AfterTheLastExamNight", examWeekSnapshot(), "2026-11-27T07:00:00+03:00", false},
+        ActiveCase{"AfterTheExamWeekWithEverydaySleep",
+                   with(examWeekSnapshot(), [](MacHoldsSnapshot& s) { s.sleep = MacHoldsSnapshot::Sleep{1380, 420, ""}; }),
+                   "2026-11-30T12:00:00+03:00", true}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
+}  // namespace kovi::holds
