@@ -338,9 +338,9 @@ void letterZ(cairo_t* cr, double x, double y, double size) {
 void props(cairo_t* cr, Pose pose, const Proportions& p) {
   switch (pose) {
     case Pose::sleepy:
-      letterZ(cr, 74, 14, 5);
-      letterZ(cr, 82, 4, 7);
-      letterZ(cr, 88, -8, 9);
+      letterZ(cr, 81, 20, 5);
+      letterZ(cr, 88, 8, 6.5);
+      letterZ(cr, 94, -6, 8);
       return;
     case Pose::curious:
       // A question mark: hook, stem and dot.
@@ -388,7 +388,7 @@ void props(cairo_t* cr, Pose pose, const Proportions& p) {
 
 }  // namespace
 
-void paintCat(cairo_t* cr, const MacPurrlCat& cat, const CairoRect& frame) {
+void paintCat(cairo_t* cr, const MacPurrlCat& cat, const MacHoldsShieldRect& frame) {
   const Proportions& p = cat.isKitten() ? kKitten : kGrown;
   const Face face = faceFor(cat.pose);
 

@@ -5,7 +5,7 @@
 
 namespace kovi::holds::x11 {
 
-void roundedRectangle(cairo_t* cr, const CairoRect& rect, double radius) {
+void roundedRectangle(cairo_t* cr, const MacHoldsShieldRect& rect, double radius) {
   const double r = std::min({radius, rect.width / 2, rect.height / 2});
   constexpr double quarter = std::numbers::pi / 2;
   cairo_new_sub_path(cr);

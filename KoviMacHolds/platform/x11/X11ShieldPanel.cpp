@@ -32,8 +32,8 @@ X11ShieldPanel::X11ShieldPanel(X11Display& display, X11RunLoop& runLoop, PurrlFo
     : display_(display), painter_(fonts), clock_(std::move(clock)) {
   Display* dpy = display_.get();
   const auto& atoms = display_.atoms();
-  window_ = XCreateSimpleWindow(dpy, display_.root(), 0, 0, static_cast<unsigned>(CairoShieldPainter::minimumWidth),
-                                static_cast<unsigned>(CairoShieldPainter::minimumHeight), 0, 0, paperPixel());
+  window_ = XCreateSimpleWindow(dpy, display_.root(), 0, 0, static_cast<unsigned>(MacHoldsShieldLayout::width),
+                                static_cast<unsigned>(MacHoldsShieldLayout::minimumHeight), 0, 0, paperPixel());
   XSelectInput(dpy, window_, ExposureMask | ButtonPressMask | ButtonReleaseMask | KeyPressMask | StructureNotifyMask);
 
   XClassHint classHint{const_cast<char*>("kovi-holds"), const_cast<char*>("KoviHolds")};
@@ -54,8 +54,8 @@ X11ShieldPanel::X11ShieldPanel(X11Display& display, X11RunLoop& runLoop, PurrlFo
   XSetWMProtocols(dpy, window_, protocols, 1);
 
   surface_ = cairo_xlib_surface_create(dpy, window_, DefaultVisual(dpy, display_.screen()),
-                                       static_cast<int>(CairoShieldPainter::minimumWidth),
-                                       static_cast<int>(CairoShieldPainter::minimumHeight));
+                                       static_cast<int>(MacHoldsShieldLayout::width),
+                                       static_cast<int>(MacHoldsShieldLayout::minimumHeight));
   std::weak_ptr<bool> alive = alive_;
   runLoop.addEventHandler([this, alive](const XEvent& event) {
     if (!alive.expired()) handleEvent(event);
@@ -76,8 +76,8 @@ void X11ShieldPanel::setContent(MacHoldsShieldView view) {
 
   layout_ = painter_.layout(view, clock_.calendar());
   view_ = std::move(view);
-  const int width = static_cast<int>(std::ceil(layout_.width));
-  const int height = static_cast<int>(std::ceil(layout_.height));
+  const int width = static_cast<int>(std::ceil(layout_.size.width));
+  const int height = static_cast<int>(std::ceil(layout_.size.height));
   // A fixed size: the content decides it, the person does not resize it.
   XSizeHints* sizeHints = XAllocSizeHints();
   sizeHints->flags = PMinSize | PMaxSize;
@@ -94,8 +94,8 @@ void X11ShieldPanel::setContent(MacHoldsShieldView view) {
 void X11ShieldPanel::bringForward() {
   Display* dpy = display_.get();
   if (!visible_) {
-    const int width = static_cast<int>(std::ceil(layout_.width));
-    const int height = static_cast<int>(std::ceil(layout_.height));
+    const int width = static_cast<int>(std::ceil(layout_.size.width));
+    const int height = static_cast<int>(std::ceil(layout_.size.height));
     const int x = (DisplayWidth(dpy, display_.screen()) - width) / 2;
     const int y = (DisplayHeight(dpy, display_.screen()) - height) / 2;
     XSizeHints* sizeHints = XAllocSizeHints();
@@ -170,7 +170,8 @@ void X11ShieldPanel::handleEvent(const XEvent& event) {
 
 std::optional<std::size_t> X11ShieldPanel::buttonAt(int x, int y) const {
   for (std::size_t index = 0; index < layout_.buttons.size(); ++index) {
-    if (layout_.buttons[index].contains(x, y)) return index;
+    const MacHoldsShieldRect& frame = layout_.buttons[index].frame;
+    if (x >= frame.x && x < frame.maxX() && y >= frame.y && y < frame.maxY()) return index;
   }
   return std::nullopt;
 }

@@ -43,7 +43,7 @@ class X11ShieldPanel final : public MacShieldPanel {
   Window window_ = None;
   cairo_surface_t* surface_ = nullptr;
   std::optional<MacHoldsShieldView> view_;
-  CairoShieldLayout layout_;
+  MacHoldsShieldLayout layout_;
   std::optional<std::size_t> pressed_;
   bool visible_ = false;
   // Set while the panel exists; the run loop's handler checks it so events
