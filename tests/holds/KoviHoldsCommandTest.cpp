@@ -1,0 +1,204 @@
+// Runs the built kovi-holds binary as a person or a script would.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "KoviKit/purrl/PurrlFocusMode.h"
+#include "tests/holds/HoldsTestSnapshots.h"
+#include "tests/support/TemporaryDirectory.h"
+
+namespace kovi::holds {
+namespace {
+
+using namespace testing;
+using nlohmann::json;
+
+struct Outcome {
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+std::string contentsOf(const std::filesystem::path& path) {
+  std::ifstream in(path);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+class KoviHoldsCommand : public ::testing::Test {
+ protected:
+  // Runs kovi-holds in Istanbul time with its data home inside the test's directory.
+  Outcome run(const std::string& arguments) const {
+    const auto out = directory.path() / "out", err = directory.path() / "err";
+    const std::string command = "TZ=Europe/Istanbul XDG_DATA_HOME='" + (directory.path() / "data").string() + "' '" +
+                                KOVI_HOLDS_BINARY + "' " + arguments + " >'" + out.string() + "' 2>'" +
+                                err.string() + "'";
+    const int raw = std::system(command.c_str());
+    return Outcome{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, contentsOf(out), contentsOf(err)};
+  }
+
+  json runJson(const std::string& arguments) const {
+    const Outcome result = run(arguments);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_TRUE(json::accept(result.out)) << result.out;
+    return json::parse(result.out, nullptr, false);
+  }
+
+  std::string file(std::string_view name, std::string_view contents) const {
+    return directory.write(name, contents).string();
+  }
+
+  kovi::testing::TemporaryDirectory directory;
+};
+
+// Keys in the order they were printed (parse with ordered_json to keep it).
+std::vector<std::string> keysOf(const nlohmann::ordered_json& object) {
+  std::vector<std::string> keys;
+  for (const auto& [key, value] : object.items()) keys.push_back(key);
+  return keys;
+}
+
+TEST_F(KoviHoldsCommand, StatusJsonDescribesTheDemoStudyBlock) {
+  const json status = runJson("status --demo --json --at 2026-11-22T10:00:00+03:00");
+  const Outcome raw = run("status --demo --json --at 2026-11-22T10:00:00+03:00");
+  const auto ordered = nlohmann::ordered_json::parse(raw.out);
+  EXPECT_EQ(keysOf(ordered), (std::vector<std::string>{"snapshot", "reason", "active", "action", "due", "windows", "plan"}));
+  EXPECT_EQ(keysOf(ordered["plan"]),
+            (std::vector<std::string>{"runID", "mode", "allowlist", "bundleIDs", "domains", "until", "examWeek"}));
+
+  EXPECT_EQ(status["snapshot"], "ok");
+  EXPECT_TRUE(status["reason"].is_null());
+  EXPECT_EQ(status["active"], true);
+  EXPECT_EQ(status["action"], "hold");
+  const UnixMillis blockEnd = millisAt("2026-11-22T11:30:00+03:00");
+  EXPECT_EQ(status["due"], (json{{"kind", "study"}, {"until", blockEnd}}));
+  EXPECT_EQ(status["windows"], (json::array({{{"kind", "study"},
+                                               {"start", millisAt("2026-11-22T09:00:00+03:00")},
+                                               {"end", blockEnd}}})));
+  const json& plan = status["plan"];
+  EXPECT_EQ(plan["runID"], "holds-study:" + std::to_string(blockEnd));
+  EXPECT_EQ(plan["mode"], "study");
+  EXPECT_EQ(plan["allowlist"], true);
+  EXPECT_TRUE(plan["until"].is_number_integer());
+  EXPECT_EQ(plan["until"], blockEnd);
+  EXPECT_EQ(plan["examWeek"], false);
+  const auto bundleIDs = plan["bundleIDs"].get<std::vector<std::string>>();
+  EXPECT_TRUE(std::ranges::is_sorted(bundleIDs));
+  // The demo keeps communication apps usable.
+  EXPECT_NE(std::ranges::find(bundleIDs, "com.apple.MobileSMS"), bundleIDs.end());
+  EXPECT_EQ(plan["domains"].get<std::vector<std::string>>(),
+            purrlFocusModeSpec(PurrlFocusModeID::study).blockedDomains);
+}
+
+TEST_F(KoviHoldsCommand, StatusStandsByWhileTheMainAppRuns) {
+  const json status = runJson("status --demo --json --main-app-running --at 2026-11-22T10:00:00+03:00");
+  EXPECT_EQ(status["action"], "standBy");
+  EXPECT_EQ(status["due"]["kind"], "study");
+  EXPECT_FALSE(status["plan"].is_null());
+}
+
+TEST_F(KoviHoldsCommand, StatusSaysItInASentence) {
+  const Outcome study = run("status --demo --at 2026-11-22T10:00:00+03:00");
+  EXPECT_EQ(study.status, 0);
+  EXPECT_EQ(study.out,
+            "Study hold until 11:30 (local time): only study apps may come to the front; communication apps stay "
+            "usable.\n");
+  const Outcome night = run("status --demo --at 2026-11-22T23:45:00+03:00");
+  EXPECT_NE(night.out.find("Sleep hold until 07:00 tomorrow (local time)"), std::string::npos) << night.out;
+  const Outcome missing = run("status");
+  EXPECT_EQ(missing.out, "Nothing is held: the snapshot is missing at " +
+                             (directory.path() / "data/Kovi/Holds/holds.json").string() + ". The agent would exit.\n");
+}
+
+struct BrokenCase {
+  friend void PrintTo(const BrokenCase& c, std::ostream* out) { *out << c.name; }
+  const char* name;
+  std::optional<std::string> contents;  // nullopt: no file
+  const char* snapshot;
+  const char* reasonPart;
+};
+
+class KoviHoldsBrokenSnapshot : public KoviHoldsCommand, public ::testing::WithParamInterface<BrokenCase> {};
+
+TEST_P(KoviHoldsBrokenSnapshot, CountsAsNoSnapshotAndSaysWhy) {
+  const BrokenCase& c = GetParam();
+  const std::string path =
+      c.contents ? file("holds.json", *c.contents) : (directory.path() / "absent.json").string();
+  const json status = runJson("status --json --at 2026-11-22T10:00:00+03:00 --file '" + path + "'");
+  EXPECT_EQ(status["snapshot"], c.snapshot);
+  ASSERT_TRUE(status["reason"].is_string());
+  EXPECT_NE(status["reason"].get<std::string>().find(c.reasonPart), std::string::npos) << status["reason"];
+  EXPECT_EQ(status["active"], false);
+  EXPECT_EQ(status["action"], "exit");
+  EXPECT_EQ(status["due"], (json{{"kind", "none"}, {"until", nullptr}}));
+  EXPECT_EQ(status["windows"], json::array());
+  EXPECT_TRUE(status["plan"].is_null());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    KoviHolds, KoviHoldsBrokenSnapshot,
+    ::testing::Values(
+        BrokenCase{"Missing", std::nullopt, "missing", "absent.json"},
+        BrokenCase{"TooLarge", std::string(65'537, ' '), "tooLarge", "65536 bytes"},
+        BrokenCase{"Undecodable", R"({"version":1,"stopped":false,"syncedAt":0,"keepCommunication":true,"examWeek":{}})",
+                   "undecodable", "examWeek.startDay: missing key"},
+        BrokenCase{"NewerVersion", R"({"version":2})", "unsupportedVersion", "version 2"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(KoviHoldsCommand, ScheduleJsonCoversTheDemoDay) {
+  const json schedule = runJson("schedule --demo --json --day 2026-11-22");
+  EXPECT_EQ(keysOf(nlohmann::ordered_json::parse(run("schedule --demo --json --day 2026-11-22").out)),
+            (std::vector<std::string>{"day", "segments"}));
+  EXPECT_EQ(schedule["day"], "2026-11-22");
+  const json& segments = schedule["segments"];
+  const std::vector<std::pair<const char*, const char*>> expected{
+      {"2026-11-22T00:00:00+03:00", "sleep"}, {"2026-11-22T07:00:00+03:00", "social"},
+      {"2026-11-22T09:00:00+03:00", "study"}, {"2026-11-22T11:30:00+03:00", "social"},
+      {"2026-11-22T14:00:00+03:00", "study"}, {"2026-11-22T16:30:00+03:00", "social"},
+      {"2026-11-22T23:30:00+03:00", "sleep"}};
+  ASSERT_EQ(segments.size(), expected.size());
+  for (std::size_t index = 0; index < expected.size(); ++index) {
+    SCOPED_TRACE(index);
+    EXPECT_EQ(segments[index]["from"], millisAt(expected[index].first));
+    EXPECT_EQ(segments[index]["kind"], expected[index].second);
+    const UnixMillis to = index + 1 < expected.size() ? millisAt(expected[index + 1].first)
+                                                      : millisAt("2026-11-23T00:00:00+03:00");
+    EXPECT_EQ(segments[index]["to"], to);
+  }
+  const Outcome plain = run("schedule --demo --day 2026-11-22");
+  EXPECT_NE(plain.out.find("  09:00–11:30  Study hold: only study apps may come to the front\n"), std::string::npos)
+      << plain.out;
+}
+
+TEST_F(KoviHoldsCommand, ScheduleWithoutASnapshotHoldsNothingAllDay) {
+  const json schedule = runJson("schedule --json --day 2026-11-22");
+  EXPECT_EQ(schedule["segments"], (json::array({{{"from", millisAt("2026-11-22T00:00:00+03:00")},
+                                                 {"to", millisAt("2026-11-23T00:00:00+03:00")},
+                                                 {"kind", "none"}}})));
+}
+
+class KoviHoldsUsage : public KoviHoldsCommand, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(KoviHoldsUsage, RefusesWithStatusTwo) {
+  const Outcome result = run(GetParam());
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_NE(result.err, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(KoviHolds, KoviHoldsUsage,
+                         ::testing::Values("status --at 2026-11-22T10:00",  // no offset
+                                           "status --at yesterday", "schedule --day 2026-02-30",
+                                           "schedule --day 2026-11-22T00:00Z", "status --demo --file /tmp/holds.json",
+                                           "status --frobnicate", "schedule 2026-11-22", "vacuum"));
+
+}  // namespace
+}  // namespace kovi::holds
