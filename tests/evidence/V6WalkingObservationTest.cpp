@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "KoviKit/evidence/V6WalkingBucketEntry.h"
+#include "KoviKit/evidence/V6WalkingContext.h"
+#include "KoviKit/evidence/V6WalkingObservation.h"
+#include "KoviKit/evidence/V6WalkingReceipt.h"
+#include "WalkingTestSupport.h"
+
+namespace kovi {
+namespace {
+
+using testing::bucketAt;
+using testing::kBucket;
+using testing::kMinute;
+
+constexpr HealthEvidenceDayWindow kWindow{2, 1777894620000, 1777894620000 + 96 * kBucket};
+
+WalkingEvidenceBuckets::SanitizedDay dayReadAt(UnixMillis cutoff) {
+  const std::vector<HealthEvidenceBucket> buckets{bucketAt(kWindow.start, 0, 1200.7), bucketAt(kWindow.start, 1, 0),
+                                                  bucketAt(kWindow.start, 2, 33)};
+  return WalkingEvidenceBuckets::sanitize(kWindow, HealthEvidenceReadOutcome::measured, buckets, cutoff).value();
+}
+
+TEST(V6WalkingObservation, CarriesClosedBucketsAsWholeStepStrings) {
+  struct Case {
+    std::string name;
+    UnixMillis cutoff;
+    UnixMillis expectedCutoff;
+    std::size_t buckets;
+  };
+  for (const Case& example : {
+           Case{"cutoffInsideTheThirdBucket", kWindow.start + 2 * kBucket + 7 * kMinute, kWindow.start + 2 * kBucket, 2},
+           Case{"cutoffOnAGridLine", kWindow.start + 3 * kBucket, kWindow.start + 3 * kBucket, 3},
+           Case{"dayOver", kWindow.end + 5 * kMinute, kWindow.end, 3},
+       }) {
+    SCOPED_TRACE(example.name);
+    const auto observation = V6WalkingObservation::fromDay(dayReadAt(example.cutoff), example.cutoff);
+    ASSERT_TRUE(observation.has_value());
+    EXPECT_EQ(observation->measurementCutoff, example.expectedCutoff);
+    EXPECT_EQ(observation->buckets.size(), example.buckets);
+    EXPECT_EQ(observation->buckets[0], (V6WalkingBucket{kWindow.start, kWindow.start + kBucket, "1200"}));
+  }
+}
+
+TEST(V6WalkingObservation, PayloadNamesTheCutoffClosedThroughAndTheWireFormMeasurementCutoff) {
+  const UnixMillis cutoff = kWindow.start + 2 * kBucket + 1;
+  const auto observation = V6WalkingObservation::fromDay(dayReadAt(cutoff), cutoff).value();
+  const std::string buckets =
+      R"("buckets":[{"start":1777894620000,"end":1777895520000,"steps":"1200"},)"
+      R"({"start":1777895520000,"end":1777896420000,"steps":"0"}]})";
+  const std::string head = R"({"sourcePolicy":"walking-health-buckets-v1","windowStart":1777894620000,)"
+                           R"("windowEnd":1777981020000,)";
+  EXPECT_EQ(observation.payloadText(), head + R"("closedThrough":1777896420000,)" + buckets);
+  const V6WalkingBucketEntry entry{2, 5, observation};
+  EXPECT_EQ(entry.json(),
+            R"({"day":2,"expectedRevision":5,"observation":)" + head + R"("measurementCutoff":1777896420000,)" + buckets +
+                "}");
+  // The wire form decodes back to the same observation.
+  EXPECT_EQ(decodeJsonText<V6WalkingObservation>(nlohmann::json::parse(entry.json())["observation"].dump()),
+            observation);
+}
+
+TEST(V6WalkingObservation, StepsOnTheWireAreWholeNonNegativeDecimals) {
+  struct Case {
+    std::string_view steps;
+    bool accepted;
+  };
+  for (const Case& example : {Case{R"("0")", true}, Case{R"("1200")", true}, Case{R"("9223372036854775807")", true},
+                              Case{R"("9223372036854775808")", false}, Case{R"("01")", false}, Case{R"("-1")", false},
+                              Case{R"("1.5")", false}, Case{R"("")", false}, Case{R"(" 12")", false},
+                              Case{"1200", false}}) {
+    SCOPED_TRACE(example.steps);
+    const std::string text = R"({"start":0,"end":900000,"steps":)" + std::string(example.steps) + "}";
+    EXPECT_EQ(decodeJsonText<V6WalkingBucket>(text).has_value(), example.accepted);
+  }
+}
+
+TEST(V6WalkingContext, DecodesTheServersRecordAndIgnoresNewKeys) {
+  const auto context = decodeJsonText<V6WalkingContext>(R"({
+    "reference": "KOVI-7Q2M-XRP4-0001", "financialActorId": "actor-9", "rulesHash": "ab12",
+    "rules": {"mode":"goal","goalMode":"total","durationDays":2,"stepTarget":20000,"exitPenaltyBps":0,
+              "payoutRule":"equalSuccessful","rankPayoutsBps":[],"verificationWindowHours":24},
+    "status": 2, "sourcePolicy": "walking-health-buckets-v1",
+    "windows": [{"day":0,"start":1000,"end":2000},{"day":1,"start":2000,"end":3000}],
+    "writerEpoch": 4, "evidenceClosesAt": 90000, "serverNow": 2500, "acceptedTotalSteps": 1234,
+    "revisions": [{"day":0,"revision":2,"payloadHash":"ff","acceptedAt":1500,"summary":{"mood":"ok"}},
+                  {"day":1,"revision":1,"payloadHash":"ee","summary":null}],
+    "addedLater": true
+  })");
+  ASSERT_TRUE(context.has_value()) << context.error().message();
+  EXPECT_EQ(context->windows.size(), 2u);
+  EXPECT_FALSE(context->writerDeviceKeyId.has_value());
+  ASSERT_NE(context->revisionOf(0), nullptr);
+  EXPECT_EQ(context->revisionOf(0)->acceptedAt, 1500);
+  EXPECT_EQ(context->revisionOf(0)->summary["mood"], "ok");
+  EXPECT_EQ(context->revisionOf(1)->revision, 1);
+  EXPECT_EQ(context->revisionOf(2), nullptr);
+  EXPECT_EQ(context->rules.stepTarget, 20000);
+}
+
+TEST(V6WalkingReceipt, DecodesAcceptedDaysAndRefusesBrokenOnesWithTheKeyPath) {
+  struct Case {
+    std::string_view text;
+    std::string_view error;
+  };
+  for (const Case& example : {
+           Case{R"({"requestId":"r","writerEpoch":1,"deviceKeyId":"k","accepted":[{"day":0,"revision":"2",)"
+                R"("payloadHash":"ff"}]})",
+                "accepted[0].revision: expected an integer, found a string"},
+           Case{R"({"requestId":"r","writerEpoch":1,"accepted":[]})", "deviceKeyId: missing key"},
+       }) {
+    SCOPED_TRACE(example.text);
+    const auto receipt = decodeJsonText<V6WalkingReceipt>(example.text);
+    ASSERT_FALSE(receipt.has_value());
+    EXPECT_EQ(receipt.error().message(), example.error);
+  }
+  const auto good = decodeJsonText<V6WalkingReceipt>(
+      R"({"requestId":"r","writerEpoch":1,"deviceKeyId":"k","accepted":[{"day":3,"revision":2,"payloadHash":"ff"}]})");
+  ASSERT_TRUE(good.has_value());
+  EXPECT_EQ(good->accepted, (std::vector<V6WalkingReceipt::Accepted>{{3, 2, "ff"}}));
+}
+
+}  // namespace
+}  // namespace kovi

@@ -1,0 +1,182 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "KoviKit/evidence/V6WalkingSyncPlanner.h"
+#include "KoviKit/evidence/WalkingDayWindowPlanner.h"
+#include "KoviKit/foundation/Sha256.h"
+#include "WalkingTestSupport.h"
+
+namespace kovi {
+namespace {
+
+using testing::at;
+using testing::bucketAt;
+using testing::kBucket;
+using Planner = V6WalkingSyncPlanner;
+
+class V6WalkingSyncPlannerTest : public ::testing::Test {
+ protected:
+  V6WalkingSyncPlannerTest() {
+    context_.rules = testing::dailyGoal(2, 8000);
+    context_.rulesHash = context_.rules.rulesHash();
+    context_.windows = WalkingDayWindowPlanner::plan(context_.rules, start_).value();
+    context_.sourcePolicy = std::string(V6WalkingObservation::kSourcePolicy);
+  }
+
+  HealthEvidenceDayRead measured(int day, std::vector<std::pair<int, double>> cells) const {
+    HealthEvidenceDayRead read{day, HealthEvidenceReadOutcome::measured, {}};
+    for (const auto& [cell, steps] : cells) read.buckets.push_back(bucketAt(context_.windows[day].start, cell, steps));
+    return read;
+  }
+
+  // The payload hash of day 0 read as `measured(0, cells)` at `cutoff_`.
+  std::string payloadHashOf(std::vector<std::pair<int, double>> cells) const {
+    const auto plans = Planner::plan(context_, {measured(0, std::move(cells))}, cutoff_).value();
+    return std::get<Planner::Submit>(plans[0].outcome).payloadHash;
+  }
+
+  UnixMillis start_ = at("2026-05-04T14:37:00+03:00");
+  UnixMillis cutoff_ = at("2026-05-06T09:00:00+03:00");  // day 1 runs
+  V6WalkingContext context_;
+};
+
+TEST_F(V6WalkingSyncPlannerTest, SubmitsNewDaysWithTheServersRevisionAndSkipsUnchangedOnes) {
+  const std::vector<std::pair<int, double>> cells{{0, 120}, {1, 80}};
+  const std::string hash = payloadHashOf(cells);
+  std::string upperHash = hash;
+  std::ranges::transform(upperHash, upperHash.begin(), [](unsigned char c) { return std::toupper(c); });
+
+  struct Case {
+    std::string name;
+    std::vector<V6WalkingContext::Revision> revisions;
+    std::optional<std::int64_t> expectedRevision;  // nullopt: unchanged
+  };
+  const std::vector<Case> cases{
+      {"firstSubmission", {}, 0},
+      {"serverHoldsAnotherPayload", {{0, 3, std::string(64, 'a'), {}, nullptr}}, 3},
+      {"serverHoldsThisPayload", {{0, 3, hash, at("2026-05-05T16:00:00+03:00"), nullptr}}, std::nullopt},
+      {"serverHoldsThisPayloadInCapitals", {{0, 4, upperHash, {}, nullptr}}, std::nullopt},
+      {"revisionOfAnotherDayOnly", {{1, 9, hash, {}, nullptr}}, 0},
+  };
+  for (const Case& example : cases) {
+    SCOPED_TRACE(example.name);
+    context_.revisions = example.revisions;
+    const auto plans = Planner::plan(context_, {measured(0, cells)}, cutoff_);
+    ASSERT_TRUE(plans.has_value()) << plans.error().detail;
+    ASSERT_EQ(plans->size(), 2u);
+    if (!example.expectedRevision) {
+      EXPECT_EQ((*plans)[0].outcome, Planner::DayOutcome(Planner::Unchanged{}));
+      continue;
+    }
+    const auto* submit = std::get_if<Planner::Submit>(&(*plans)[0].outcome);
+    ASSERT_NE(submit, nullptr);
+    EXPECT_EQ(submit->entry.day, 0);
+    EXPECT_EQ(submit->entry.expectedRevision, *example.expectedRevision);
+    EXPECT_EQ(submit->payloadHash, hash);
+    EXPECT_EQ(submit->payloadHash, sha256Hex(submit->entry.observation.payloadText()));
+  }
+  // Different steps make a different payload.
+  EXPECT_NE(payloadHashOf({{0, 120}, {1, 81}}), hash);
+}
+
+TEST_F(V6WalkingSyncPlannerTest, PlansNoDataOrFailureFromTheRead) {
+  struct Case {
+    std::string name;
+    std::vector<HealthEvidenceDayRead> reads;
+    Planner::DayOutcome dayZero;
+  };
+  auto noData = [](std::string_view code) { return Planner::NoData{{std::string(code), {}}}; };
+  auto failed = [](std::string_view code) { return Planner::Failed{{std::string(code), {}}}; };
+  HealthEvidenceDayRead offGrid = measured(0, {{0, 10}});
+  offGrid.buckets[0].start = offGrid.buckets[0].start.addingMillis(10);
+  // Day 1 began at 14:37 on the 5th; at 14:45 on the 6th its first bucket is still open.
+  const std::vector<Case> cases{
+      {"notRead", {}, noData("walking_no_readable_data")},
+      {"noReadableData", {{0, HealthEvidenceReadOutcome::noReadableData, {}}}, noData("walking_no_readable_data")},
+      {"readFailed", {{0, HealthEvidenceReadOutcome::readFailed, {}}}, failed("walking_health_read_failed")},
+      {"temporarilyUnavailable", {{0, HealthEvidenceReadOutcome::temporarilyUnavailable, {}}},
+       failed("walking_health_read_failed")},
+      {"sharingOff", {{0, HealthEvidenceReadOutcome::authorizationRequestNotCompleted, {}}},
+       failed("walking_health_sharing_disabled")},
+      {"healthKitUnavailable", {{0, HealthEvidenceReadOutcome::healthKitUnavailable, {}}},
+       failed("walking_health_sharing_disabled")},
+      {"offGrid", {offGrid}, failed("walking_bucket_alignment_invalid")},
+      {"measuredButEmpty", {measured(0, {})}, noData("walking_no_closed_bucket")},
+  };
+  for (const Case& example : cases) {
+    SCOPED_TRACE(example.name);
+    const auto plans = Planner::plan(context_, example.reads, cutoff_);
+    ASSERT_TRUE(plans.has_value());
+    // Compare the kind and the code; details are for logs.
+    const auto& outcome = (*plans)[0].outcome;
+    ASSERT_EQ(outcome.index(), example.dayZero.index());
+    auto codeOf = [](const Planner::DayOutcome& plan) {
+      if (const auto* none = std::get_if<Planner::NoData>(&plan)) return none->reason.code;
+      return std::get<Planner::Failed>(plan).reason.code;
+    };
+    EXPECT_EQ(codeOf(outcome), codeOf(example.dayZero));
+  }
+}
+
+TEST_F(V6WalkingSyncPlannerTest, ADayWhoseOnlyBucketIsOpenIsNotSent) {
+  const UnixMillis early = context_.windows[1].start + 10 * testing::kMinute;
+  const auto plans = Planner::plan(context_, {measured(1, {{0, 300}})}, early);
+  ASSERT_TRUE(plans.has_value());
+  const auto* none = std::get_if<Planner::NoData>(&(*plans)[1].outcome);
+  ASSERT_NE(none, nullptr);
+  EXPECT_EQ(none->reason.code, "walking_no_closed_bucket");
+  EXPECT_EQ(none->reason.message(), "İlk 15 dakikalık aralık henüz kapanmadı. Kapandıktan sonra yeniden oku.");
+}
+
+TEST_F(V6WalkingSyncPlannerTest, RefusesAContextThatDoesNotVerify) {
+  struct Case {
+    std::string name;
+    std::function<void(V6WalkingContext&)> edit;
+    std::string code;
+  };
+  const std::vector<Case> cases{
+      {"rulesChangedAfterHashing", [](V6WalkingContext& c) { c.rules.stepTarget = 9000; },
+       "walking_rules_hash_mismatch"},
+      {"windowShiftedByAMinute", [](V6WalkingContext& c) { c.windows[1].end += testing::kMinute; },
+       "walking_day_windows_invalid"},
+      {"noWindows", [](V6WalkingContext& c) { c.windows.clear(); }, "walking_day_windows_invalid"},
+      {"rulesFixWindowsThatDisagree",
+       [](V6WalkingContext& c) {
+         c.rules.dayWindows = std::vector<WalkingDayWindow>{{c.windows[0].start, c.windows[0].end}};
+         c.rulesHash = c.rules.rulesHash();
+       },
+       "walking_day_windows_invalid"},
+  };
+  for (const Case& example : cases) {
+    SCOPED_TRACE(example.name);
+    V6WalkingContext context = context_;
+    example.edit(context);
+    const auto plans = Planner::plan(context, {measured(0, {{0, 10}})}, cutoff_);
+    ASSERT_FALSE(plans.has_value());
+    EXPECT_EQ(plans.error().code, example.code);
+  }
+}
+
+TEST(V6WalkingWriterDecision, SignsOnlyAsTheWriter) {
+  const std::vector<std::string> replaced{"key-old-1", "key-old-2"};
+  struct Case {
+    std::optional<std::string> writer;
+    Planner::WriterDecision decision;
+  };
+  for (const Case& example : {Case{std::nullopt, Planner::WriterDecision::sign},
+                              Case{"key-now", Planner::WriterDecision::sign},
+                              Case{"key-old-2", Planner::WriterDecision::transferFromOwnReplacedKey},
+                              Case{"key-phone", Planner::WriterDecision::otherDevice},
+                              Case{"KEY-NOW", Planner::WriterDecision::otherDevice}}) {
+    SCOPED_TRACE(example.writer.value_or("none"));
+    EXPECT_EQ(Planner::writerDecision(example.writer, "key-now", replaced), example.decision);
+  }
+}
+
+}  // namespace
+}  // namespace kovi

@@ -1,0 +1,146 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "KoviKit/evidence/V6WalkingContext.h"
+#include "KoviKit/evidence/WalkingKoviRules.h"
+#include "KoviKit/foundation/CanonicalJsonWriter.h"
+#include "KoviKit/foundation/Json.h"
+
+namespace kovi {
+namespace {
+
+// Keys in a shuffled order and with whitespace: the canonical form must not care.
+constexpr std::string_view kRaceRules = R"({
+  "firstDay": "midnight", "timezone": "Europe/Istanbul", "dayBoundary": "calendar",
+  "verificationWindowHours": 24, "rankPayoutsBps": [6000, 3000, 1000], "payoutRule": "ranked",
+  "exitPenaltyBps": 2500, "failurePolicy": "closestWins", "minimumEligibility": 50000,
+  "durationDays": 7, "raceMode": "highestTotal", "mode": "race"
+})";
+
+constexpr std::string_view kRaceCanonical =
+    R"({"mode":"race","raceMode":"highestTotal","durationDays":7,"minimumEligibility":50000,)"
+    R"("failurePolicy":"closestWins","exitPenaltyBps":2500,"payoutRule":"ranked","rankPayoutsBps":[6000,3000,1000],)"
+    R"("verificationWindowHours":24,"dayBoundary":"calendar","timezone":"Europe/Istanbul","firstDay":"midnight"})";
+
+// Absent optionals are left out, an empty array stays, fixed windows follow `timezone`'s slot.
+constexpr std::string_view kDailyRules =
+    R"({"mode":"goal","goalMode":"daily","durationDays":3,"stepTarget":8000,"exitPenaltyBps":0,)"
+    R"("payoutRule":"equalSuccessful","rankPayoutsBps":[],"verificationWindowHours":24,)"
+    R"("dayWindows":[{"start":1774735200000,"end":1774821600000}]})";
+
+struct CanonicalCase {
+  std::string_view name;
+  std::string_view input;
+  std::string_view canonical;
+  std::string_view hash;  // sha256sum of the canonical text, computed outside Kovi
+};
+
+class WalkingRulesCanonicalTest : public ::testing::TestWithParam<CanonicalCase> {};
+
+TEST_P(WalkingRulesCanonicalTest, WritesDeclaredOrderWithoutWhitespaceAndHashesIt) {
+  const CanonicalCase& example = GetParam();
+  const auto rules = decodeJsonText<WalkingKoviRules>(example.input);
+  ASSERT_TRUE(rules.has_value()) << rules.error().message();
+  EXPECT_EQ(rules->canonicalJson(), example.canonical);
+  EXPECT_EQ(rules->rulesHash(), example.hash);
+  // The canonical text decodes back to the same rules.
+  EXPECT_EQ(decodeJsonText<WalkingKoviRules>(rules->canonicalJson()), rules);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rules, WalkingRulesCanonicalTest,
+    ::testing::Values(
+        CanonicalCase{"race", kRaceRules, kRaceCanonical,
+                      "c6c7b868aac70e2d099ca8db98f400a580209582daef845a5599aa6b80640dc1"},
+        CanonicalCase{"daily", kDailyRules, kDailyRules,
+                      "5bf18c943abca9a178309d686099eead2b268f5d3ee7a81b206959ca324a7e64"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(WalkingRulesCanonical, EscapesOnlyWhatJsonRequires) {
+  WalkingKoviRules rules;
+  rules.durationDays = 1;
+  rules.timezone = std::string("a\"b\\c\nd/\xC3\xA9\x01\t");
+  EXPECT_EQ(rules.canonicalJson(),
+            R"({"mode":"goal","durationDays":1,"exitPenaltyBps":0,"payoutRule":"equalSuccessful",)"
+            R"("rankPayoutsBps":[],"verificationWindowHours":0,"timezone":"a\"b\\c\nd/é\u0001\t"})");
+}
+
+TEST(WalkingRulesCanonical, WriterSeparatesNestedValuesAndWritesIntegerExtremes) {
+  CanonicalJsonWriter writer;
+  writer.beginObject().key("a").beginArray().value(-9223372036854775807LL - 1).beginObject().endObject();
+  writer.value(std::uint64_t{18446744073709551615ULL}).endArray().key("b").value(true).endObject();
+  EXPECT_EQ(writer.text(), R"({"a":[-9223372036854775808,{},18446744073709551615],"b":true})");
+}
+
+struct RefusedCase {
+  std::string_view name;
+  std::string_view key;    // key of the daily rules to set
+  std::string_view value;  // its new JSON value, or "" to drop the key
+  std::string_view error;
+};
+
+class WalkingRulesRefusedTest : public ::testing::TestWithParam<RefusedCase> {};
+
+TEST_P(WalkingRulesRefusedTest, RefusesTheWholeRecordAndNamesTheKey) {
+  const RefusedCase& example = GetParam();
+  nlohmann::json document = nlohmann::json::parse(kDailyRules);
+  if (example.value.empty()) {
+    document.erase(std::string(example.key));
+  } else {
+    document[std::string(example.key)] = nlohmann::json::parse(example.value);
+  }
+  const auto rules = JsonView(document).as<WalkingKoviRules>();
+  ASSERT_FALSE(rules.has_value()) << document.dump();
+  EXPECT_EQ(rules.error().message(), example.error);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rules, WalkingRulesRefusedTest,
+    ::testing::Values(
+        RefusedCase{"unknownMode", "mode", R"("walk")", R"(mode: unknown value "walk")"},
+        RefusedCase{"unknownGoalMode", "goalMode", R"("weekly")", R"(goalMode: unknown value "weekly")"},
+        RefusedCase{"unknownRaceMode", "raceMode", R"("slowest")", R"(raceMode: unknown value "slowest")"},
+        RefusedCase{"unknownPolicy", "failurePolicy", R"("burn")", R"(failurePolicy: unknown value "burn")"},
+        RefusedCase{"unknownPayout", "payoutRule", R"("winnerTakesAll")",
+                    R"(payoutRule: unknown value "winnerTakesAll")"},
+        RefusedCase{"unknownFirstDay", "firstDay", R"("tomorrow")", R"(firstDay: unknown value "tomorrow")"},
+        RefusedCase{"unknownBoundary", "dayBoundary", R"("solar")", R"(dayBoundary: unknown value "solar")"},
+        RefusedCase{"unknownKey", "bonus", "1", "bonus: unknown key"},
+        RefusedCase{"missingDuration", "durationDays", "", "durationDays: missing key"},
+        RefusedCase{"missingShares", "rankPayoutsBps", "", "rankPayoutsBps: missing key"},
+        RefusedCase{"fractionalTarget", "stepTarget", "8000.5", "stepTarget: expected an integer, found a number"},
+        RefusedCase{"windowWithExtraKey", "dayWindows", R"([{"start":1,"end":2,"day":0}])",
+                    "dayWindows[0].day: unknown key"},
+        RefusedCase{"shareAsText", "rankPayoutsBps", R"(["6000"])",
+                    "rankPayoutsBps[0]: expected an integer, found a string"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(WalkingContextRulesHash, RefusesAContextWhoseRulesDoNotHashToItsHash) {
+  auto rules = decodeJsonText<WalkingKoviRules>(kDailyRules);
+  ASSERT_TRUE(rules.has_value());
+  V6WalkingContext context;
+  context.rules = *rules;
+
+  struct Case {
+    std::string_view hash;
+    bool accepted;
+  };
+  for (const Case& example : {Case{"5bf18c943abca9a178309d686099eead2b268f5d3ee7a81b206959ca324a7e64", true},
+                              Case{"5BF18C943ABCA9A178309D686099EEAD2B268F5D3EE7A81B206959CA324A7E64", true},
+                              Case{"5bf18c943abca9a178309d686099eead2b268f5d3ee7a81b206959ca324a7e65", false},
+                              Case{"", false}}) {
+    SCOPED_TRACE(example.hash);
+    context.rulesHash = std::string(example.hash);
+    const auto verified = context.verifyRulesHash();
+    EXPECT_EQ(verified.has_value(), example.accepted);
+    if (!verified) {
+      EXPECT_EQ(verified.error().code, "walking_rules_hash_mismatch");
+      EXPECT_EQ(verified.error().message(),
+                "Kovi’in kural özeti bu cihazda doğrulanamadı. Kovi’i yenileyip yeniden dene.");
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kovi

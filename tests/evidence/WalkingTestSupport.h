@@ -1,0 +1,40 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string_view>
+
+#include "KoviKit/evidence/HealthEvidenceDayRead.h"
+#include "KoviKit/evidence/WalkingKoviRules.h"
+#include "KoviKit/foundation/Time.h"
+
+namespace kovi::testing {
+
+// An ISO 8601 instant with offset as Unix milliseconds; fails the test on a typo.
+inline UnixMillis at(std::string_view iso) {
+  const auto parsed = parseInstant(iso);
+  EXPECT_TRUE(parsed.has_value()) << "bad instant in test: " << iso;
+  return parsed.value_or(0);
+}
+
+inline constexpr UnixMillis kMinute = 60'000;
+inline constexpr UnixMillis kHour = 60 * kMinute;
+inline constexpr UnixMillis kBucket = 15 * kMinute;
+
+// A closed 15-minute bucket `index` cells after `dayStart` with `amount` steps.
+inline HealthEvidenceBucket bucketAt(UnixMillis dayStart, int index, double amount) {
+  const double start = static_cast<double>(dayStart + index * kBucket);
+  return {Date::fromUnixMillis(start), Date::fromUnixMillis(start + static_cast<double>(kBucket)), amount, false};
+}
+
+inline WalkingKoviRules dailyGoal(int days, std::int64_t target) {
+  WalkingKoviRules rules;
+  rules.mode = WalkingKoviRules::Mode::goal;
+  rules.goalMode = WalkingKoviRules::GoalMode::daily;
+  rules.durationDays = days;
+  rules.stepTarget = target;
+  rules.verificationWindowHours = 24;
+  return rules;
+}
+
+}  // namespace kovi::testing
