@@ -15,6 +15,7 @@
 // fields without a value. Timestamps (`Date`) travel as floating seconds since
 // 2001-01-01T00:00:00Z, the service's default date coding.
 
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
@@ -59,16 +60,22 @@ struct IsVector<std::vector<T>> : std::true_type {};
 template <class T>
 Decoded<T> decodeValue(const JsonView& json) {
   if constexpr (std::is_same_v<T, Date>) {
+    // Far enough for any real instant, near enough that the instant still
+    // converts to Unix milliseconds.
+    constexpr double kTimestampLimitSeconds = 9e15;
     auto seconds = json.as<double>();
     if (!seconds) return std::unexpected(seconds.error());
+    if (!(std::fabs(*seconds) <= kTimestampLimitSeconds)) return std::unexpected(json.error("timestamp out of range"));
     return Date::fromSecondsSince2001(*seconds);
   } else {
     return json.as<T>();
   }
 }
 
-template <class Record, class Value>
-Decoded<void> decodeField(const JsonView& object, const PurrlField<Record, Value>& field, Record& record) {
+// `Owner` is `Record` or one of its bases: a record that extends another
+// (the fields of X, then more) lists the base's fields first.
+template <class Record, class Owner, class Value>
+Decoded<void> decodeField(const JsonView& object, const PurrlField<Owner, Value>& field, Record& record) {
   if constexpr (IsOptional<Value>::value) {
     using Wrapped = typename Value::value_type;
     auto child = object.optionalMember(field.key);

@@ -1,0 +1,190 @@
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "KoviKit/purrl/PurrlFocusDailySet.h"
+#include "KoviKit/purrl/PurrlFocusExamCountdown.h"
+#include "KoviKit/purrl/PurrlFocusMockCalendar.h"
+#include "KoviKit/purrl/PurrlFocusStudyStats.h"
+
+namespace kovi {
+namespace {
+
+TEST(PurrlExamGroupTest, FollowsTheSubjectPrefix) {
+  struct Case {
+    std::string subject;
+    std::optional<PurrlFocusExamGroup> group;
+  };
+  const std::vector<Case> cases{
+      {"tyt_turkce", PurrlFocusExamGroup::tyt}, {"tyt_din", PurrlFocusExamGroup::tyt},
+      {"ayt_edebiyat", PurrlFocusExamGroup::ayt}, {"ydt_dil", PurrlFocusExamGroup::ydt},
+      {"lgs_sozel", PurrlFocusExamGroup::lgs},  {"lgs_sayisal", PurrlFocusExamGroup::lgs},
+      {"lgs_ingilizce", PurrlFocusExamGroup::lgs}, {"paragraf", std::nullopt},
+      {"problem", std::nullopt},               {"custom", std::nullopt},
+      {"TYT_mat", std::nullopt},               {"tyt", std::nullopt},
+      {"", std::nullopt},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.subject);
+    EXPECT_EQ(purrlExamGroup(c.subject), c.group);
+  }
+}
+
+TEST(PurrlExamGroupTest, EverySubjectCaseAgreesWithItsRawValue) {
+  int grouped = 0;
+  for (const auto& [subject, raw] : EnumNames<PurrlFocusSubject>::table) {
+    SCOPED_TRACE(raw);
+    EXPECT_EQ(purrlExamGroup(subject), purrlExamGroup(raw));
+    grouped += purrlExamGroup(subject).has_value() ? 1 : 0;
+  }
+  EXPECT_EQ(EnumNames<PurrlFocusSubject>::table.size(), 29U);
+  EXPECT_EQ(grouped, 26);
+}
+
+TEST(PurrlExamGroupTest, BothLgsPapersBelongToTheLgsGroup) {
+  EXPECT_EQ(purrlExamGroup(PurrlFocusMockExam::lgsSozel), PurrlFocusExamGroup::lgs);
+  EXPECT_EQ(purrlExamGroup(PurrlFocusMockExam::lgsSayisal), PurrlFocusExamGroup::lgs);
+  EXPECT_EQ(purrlExamGroup(PurrlFocusMockExam::ydt), PurrlFocusExamGroup::ydt);
+}
+
+struct IdentityCase {
+  std::string name;
+  PurrlFocusDailySet set;
+  std::string identity;
+  friend void PrintTo(const IdentityCase& c, std::ostream* out) { *out << c.name; }
+};
+
+class PurrlDailySetIdentityTest : public ::testing::TestWithParam<IdentityCase> {};
+
+TEST_P(PurrlDailySetIdentityTest, IsTheSubjectOrTheLowerCaseCustomLabel) {
+  EXPECT_EQ(GetParam().set.identity(), GetParam().identity);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Sets, PurrlDailySetIdentityTest,
+    ::testing::Values(IdentityCase{"subject", {"tyt_mat", "Matematik", 40, 0, false}, "tyt_mat"},
+                      IdentityCase{"customLabel", {"custom", "Deneme", 20, 0, false}, "custom:deneme"},
+                      IdentityCase{"customUpperCase", {"custom", "DENEME", 20, 0, false}, "custom:deneme"},
+                      IdentityCase{"customTurkishCapitals", {"custom", "ÇÖZÜM ŞIK", 20, 0, false}, "custom:çözüm şik"},
+                      IdentityCase{"customWithoutLabel", {"custom", std::nullopt, 20, 0, false}, "custom:"},
+                      IdentityCase{"unknownSubject", {"kpss_gk", "Genel", 10, 0, false}, "kpss_gk"}),
+    [](const auto& info) { return info.param.name; });
+
+TEST(PurrlDailySetTest, LabelsDifferingOnlyInCaseAreTheSameSet) {
+  const PurrlFocusDailySet lower{"custom", "deneme", 20, 5, false};
+  const PurrlFocusDailySet mixed{"custom", "DeNeMe", 30, 0, true};
+  const PurrlFocusDailySet other{"custom", "denemeler", 20, 5, false};
+  EXPECT_EQ(lower.identity(), mixed.identity());
+  EXPECT_NE(lower.identity(), other.identity());
+}
+
+TEST(PurrlDailySetTest, BecomesATargetOnlyForAKnownSubject) {
+  EXPECT_EQ((PurrlFocusDailySet{"ayt_fizik", std::nullopt, 25, 10, false}.asTarget()),
+            (PurrlFocusDailySetTarget{PurrlFocusSubject::aytFizik, std::nullopt, 25}));
+  EXPECT_EQ((PurrlFocusDailySet{"custom", "Deneme", 15, 0, false}.asTarget()),
+            (PurrlFocusDailySetTarget{PurrlFocusSubject::custom, "Deneme", 15}));
+  EXPECT_EQ((PurrlFocusDailySet{"kpss_gk", std::nullopt, 25, 0, false}.asTarget()), std::nullopt);
+  EXPECT_EQ((PurrlFocusDailySet{"TYT_MAT", std::nullopt, 25, 0, false}.asTarget()), std::nullopt);
+}
+
+TEST(PurrlDailySetTest, TargetSubjectsAreClosed) {
+  const auto target = decodeJsonText<PurrlFocusDailySetTarget>(R"({"subject":"kpss_gk","target":5})");
+  ASSERT_FALSE(target.has_value());
+  EXPECT_EQ(target.error().message(), "subject: unknown value \"kpss_gk\"");
+}
+
+struct DaysLeftCase {
+  const char* today;
+  const char* exam;
+  std::optional<int> daysLeft;
+};
+
+TEST(PurrlDaysLeftTest, CountsWholeDaysWithoutTheExamDay) {
+  const auto berlin = Calendar::inZone("Europe/Berlin").value();
+  const std::vector<DaysLeftCase> cases{
+      {"2026-06-20", "2026-06-20", 0},  {"2026-06-19", "2026-06-20", 1},
+      {"2026-06-21", "2026-06-20", -1}, {"2026-03-28", "2026-03-30", 2},  // across the spring change
+      {"2026-10-24", "2026-10-26", 2},  {"2025-06-20", "2026-06-20", 365},
+      {"2026-06-20", "2026-02-30", std::nullopt}, {"today", "2026-06-20", std::nullopt},
+  };
+  for (const DaysLeftCase& c : cases) {
+    SCOPED_TRACE(std::string(c.today) + " → " + c.exam);
+    EXPECT_EQ(purrlDaysLeft(c.today, c.exam, berlin), c.daysLeft);
+  }
+}
+
+constexpr std::string_view kStats = R"({
+  "now": 800000000,
+  "today": {"day": "2026-05-10", "minutes": 95, "questions": 120},
+  "week": {"start": "2026-05-04", "end": "2026-05-10", "minutes": 600, "questions": 700,
+           "subjects": [{"subject": "tyt_mat", "minutes": 300, "questions": 400, "runs": 6},
+                        {"exam": "tyt", "minutes": 165, "questions": 120, "runs": 1}]},
+  "heat": {"from": "2026-04-12", "to": "2026-05-10", "days": [{"day": "2026-05-10", "minutes": 95, "questions": 120}]},
+  "mocks": [{"runId": "run-9", "exam": "tyt", "day": "2026-05-09", "startedAt": 799900000,
+             "result": {"sections": [{"id": "turkce", "correct": 30, "wrong": 8, "blank": 2, "net": 28}], "net": 28}}],
+  "exam": {"exam": "yks", "day": "2026-06-20", "daysLeft": 41, "friends": [{"id": "u2", "name": "Ece"}]},
+  "examWeek": {"startDay": "2026-06-14", "endDay": "2026-06-20"}
+})";
+
+TEST(PurrlStudyStatsTest, DecodesEveryPartAndRoundTrips) {
+  const auto stats = decodeJsonText<PurrlFocusStudyStats>(kStats);
+  ASSERT_TRUE(stats.has_value()) << stats.error().message();
+  EXPECT_EQ(stats->week.subjects[1].exam, PurrlFocusMockExam::tyt);
+  EXPECT_FALSE(stats->week.subjects[1].subject.has_value());
+  EXPECT_FALSE(stats->mocks[0].endedAt.has_value());
+  EXPECT_EQ(stats->mocks[0].result->sections[0].net, 28.0);
+  EXPECT_EQ(stats->exam->friends[0].name, "Ece");
+  EXPECT_EQ(stats->examWeek->endDay, "2026-06-20");
+  EXPECT_EQ(decodeJsonText<PurrlFocusStudyStats>(purrlJson(*stats).dump()), stats);
+}
+
+TEST(PurrlStudyStatsTest, UnknownPaperOrExamFailsTheRecord) {
+  struct Case {
+    std::string from;
+    std::string to;
+    std::string error;
+  };
+  const std::vector<Case> cases{
+      {R"("exam": "tyt", "minutes": 165)", R"("exam": "kpss", "minutes": 165)",
+       "week.subjects[1].exam: unknown value \"kpss\""},
+      {R"("exam": "yks")", R"("exam": "ales")", "exam.exam: unknown value \"ales\""},
+      {R"("runId": "run-9", "exam": "tyt")", R"("runId": "run-9", "exam": "TYT")", "mocks[0].exam: unknown value \"TYT\""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.to);
+    std::string text(kStats);
+    const auto at = text.find(c.from);
+    ASSERT_NE(at, std::string::npos);
+    text.replace(at, c.from.size(), c.to);
+    const auto stats = decodeJsonText<PurrlFocusStudyStats>(text);
+    ASSERT_FALSE(stats.has_value());
+    EXPECT_EQ(stats.error().message(), c.error);
+  }
+}
+
+TEST(PurrlMockCalendarTest, PastDatesCarryTheirRunAndNet) {
+  const auto calendar = decodeJsonText<PurrlFocusMockCalendar>(R"({
+    "now": 800000000,
+    "plans": [{"id": "p1", "exam": "ayt", "label": "Haftalık", "repeat": "weekly", "day": "2026-05-02", "minute": 600}],
+    "upcoming": [{"planId": "p1", "exam": "ayt", "day": "2026-05-16", "minute": 600, "at": 1778914800000}],
+    "past": [{"planId": "p1", "exam": "ayt", "day": "2026-05-09", "minute": 600, "at": 1778310000000,
+              "runId": "run-3", "net": 61.25},
+             {"planId": "p1", "exam": "ayt", "day": "2026-05-02", "minute": 600, "at": 1777705200000}],
+    "friends": [{"day": "2026-05-16", "exam": "ayt", "people": [{"id": "u2", "name": "Ece"}]}]
+  })");
+  ASSERT_TRUE(calendar.has_value()) << calendar.error().message();
+  EXPECT_EQ(calendar->plans[0].repeat, PurrlFocusMockRepeat::weekly);
+  EXPECT_EQ(calendar->past[0].runId, "run-3");
+  EXPECT_EQ(calendar->past[0].net, 61.25);
+  EXPECT_EQ(calendar->past[0].at, 1778310000000);
+  EXPECT_FALSE(calendar->past[1].net.has_value());
+  EXPECT_EQ(purrlJson(calendar->past[1]).dump(),
+            R"({"planId":"p1","exam":"ayt","day":"2026-05-02","minute":600,"at":1777705200000})");
+  EXPECT_EQ(calendar->friends[0].people[0].id, "u2");
+}
+
+}  // namespace
+}  // namespace kovi
