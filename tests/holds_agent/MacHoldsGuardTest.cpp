@@ -1,0 +1,225 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "KoviMacHolds/MacHoldsGuard.h"
+#include "KoviMacHolds/MacHoldsIdentity.h"
+#include "KoviMacHolds/MacHoldsSchedule.h"
+#include "tests/holds_agent/MacHoldsFakes.h"
+
+namespace kovi::holds::testing {
+namespace {
+
+const Date kStudyEnd = Date::fromUnixMillis(1'795'427'400'000);  // 2026-11-23T12:50+03:00
+
+MacFocus2EnforcementPlan planFor(const MacHoldsDue& due, bool keepCommunication) {
+  auto plan = MacHoldsSchedule::plan(due, keepCommunication, "2026-11-23");
+  EXPECT_TRUE(plan.has_value());
+  return plan.value_or(MacFocus2EnforcementPlan{});
+}
+
+// A guard over the fake workspace, with the shield panels it creates recorded.
+struct GuardFixture {
+  FakeAgent agent;
+  std::shared_ptr<MacHoldsAppGuard> guardian = std::make_shared<MacHoldsAppGuard>(MacHoldsGuardContext{
+      .workspace = agent.workspace,
+      .makeShieldPanel = agent.platform().makeShieldPanel,
+      .log = [this](std::string_view line) { agent.log.emplace_back(line); },
+      .clock = agent.clock(),
+      .catStage = {},
+  });
+
+  pid_t frontApp(const std::string& id, const std::string& name,
+                 MacActivationPolicy policy = MacActivationPolicy::regular) {
+    const pid_t pid = agent.workspace.launch(id, name, policy);
+    agent.workspace.activate(pid);
+    return pid;
+  }
+};
+
+struct FrontCase {
+  const char* name;
+  MacHoldsDue::Kind due;
+  bool keepCommunication;
+  const char* bundleIdentifier;
+  MacActivationPolicy policy;
+  bool hidden;
+};
+
+void PrintTo(const FrontCase& front, std::ostream* out) { *out << front.name; }
+
+const FrontCase kFrontCases[] = {
+    // Study is an allow-list: only study tools may come to the front.
+    {"studyHidesAGame", MacHoldsDue::Kind::study, true, "com.valvesoftware.steam", MacActivationPolicy::regular, true},
+    {"studyHidesAnUnknownApp", MacHoldsDue::Kind::study, true, "x11:Gimp", MacActivationPolicy::regular, true},
+    {"studyAllowsABrowser", MacHoldsDue::Kind::study, true, "org.mozilla.firefox", MacActivationPolicy::regular, false},
+    {"studyAllowsAnEditor", MacHoldsDue::Kind::study, false, "com.microsoft.VSCode", MacActivationPolicy::regular,
+     false},
+    {"studyKeepsMessagesWithCommunication", MacHoldsDue::Kind::study, true, "com.apple.MobileSMS",
+     MacActivationPolicy::regular, false},
+    {"studyKeepsContactsWithCommunication", MacHoldsDue::Kind::study, true, "com.apple.AddressBook",
+     MacActivationPolicy::regular, false},
+    {"studyHidesMessagesWithoutCommunication", MacHoldsDue::Kind::study, false, "com.apple.MobileSMS",
+     MacActivationPolicy::regular, true},
+    {"studyHidesMailWithoutCommunication", MacHoldsDue::Kind::study, false, "com.apple.mail",
+     MacActivationPolicy::regular, true},
+    // Always spared, whatever the list says.
+    {"finderIsSpared", MacHoldsDue::Kind::study, false, "com.apple.finder", MacActivationPolicy::regular, false},
+    {"settingsAreSpared", MacHoldsDue::Kind::study, false, "com.apple.systempreferences",
+     MacActivationPolicy::regular, false},
+    {"mainAppIsSpared", MacHoldsDue::Kind::study, false, "app.kovi.app.mac", MacActivationPolicy::regular, false},
+    {"desktopFileManagerIsSpared", MacHoldsDue::Kind::study, false, "x11:thunar", MacActivationPolicy::regular,
+     false},
+    // Background and accessory applications are never held.
+    {"accessoryAppIsLeftAlone", MacHoldsDue::Kind::study, false, "x11:Gimp", MacActivationPolicy::accessory, false},
+    {"backgroundAppIsLeftAlone", MacHoldsDue::Kind::study, false, "x11:Gimp", MacActivationPolicy::prohibited,
+     false},
+    // Sleep and Social are block lists: the distractions go, the rest stays.
+    {"sleepHidesDiscord", MacHoldsDue::Kind::sleep, false, "com.hnc.Discord", MacActivationPolicy::regular, true},
+    {"sleepHidesTelegram", MacHoldsDue::Kind::sleep, false, "org.telegram.desktop", MacActivationPolicy::regular,
+     true},
+    {"sleepLeavesABrowser", MacHoldsDue::Kind::sleep, false, "org.mozilla.firefox", MacActivationPolicy::regular,
+     false},
+    {"socialHidesSteam", MacHoldsDue::Kind::social, true, "com.valvesoftware.steam", MacActivationPolicy::regular,
+     true},
+    {"socialLeavesAnUnknownApp", MacHoldsDue::Kind::social, true, "x11:Gimp", MacActivationPolicy::regular, false},
+};
+
+class MacHoldsGuardFront : public ::testing::TestWithParam<FrontCase> {};
+
+TEST_P(MacHoldsGuardFront, HidesOnlyHeldApplications) {
+  const FrontCase& front = GetParam();
+  GuardFixture fixture;
+  const MacHoldsDue due{front.due, kStudyEnd};
+  fixture.guardian->apply(due, planFor(due, front.keepCommunication));
+  const pid_t pid = fixture.frontApp(front.bundleIdentifier, "Some App", front.policy);
+
+  EXPECT_EQ(fixture.agent.workspace.hidden == std::vector<pid_t>{pid}, front.hidden);
+  EXPECT_EQ(fixture.guardian->isShieldVisible(), front.hidden);
+  if (front.hidden) {
+    EXPECT_EQ(fixture.guardian->shieldAppName(), "Some App");
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Plans, MacHoldsGuardFront, ::testing::ValuesIn(kFrontCases),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(MacHoldsGuard, HeldAppAlreadyInFrontIsHiddenWhenTheHoldStarts) {
+  GuardFixture fixture;
+  const pid_t discord = fixture.agent.workspace.launch("com.hnc.Discord", "Discord");
+  fixture.agent.workspace.front = discord;
+  const MacHoldsDue due = MacHoldsDue::sleep(kStudyEnd);
+  fixture.guardian->apply(due, planFor(due, false));
+
+  EXPECT_EQ(fixture.agent.workspace.hidden, std::vector<pid_t>{discord});
+  EXPECT_TRUE(fixture.guardian->isShieldVisible());
+  EXPECT_EQ(fixture.agent.log, std::vector<std::string>{"hold sleep until 12:50 — hid Discord"});
+}
+
+TEST(MacHoldsGuard, ApplicationThatRefusesToHideGetsNoShield) {
+  GuardFixture fixture;
+  const MacHoldsDue due = MacHoldsDue::social(kStudyEnd);
+  fixture.guardian->apply(due, planFor(due, false));
+  const pid_t stubborn = fixture.agent.workspace.launch("com.hnc.Discord", "Discord");
+  fixture.agent.workspace.refusesToHide.insert(stubborn);
+  fixture.agent.workspace.activate(stubborn);
+
+  EXPECT_TRUE(fixture.agent.workspace.hidden.empty());
+  EXPECT_FALSE(fixture.guardian->isShieldVisible());
+  EXPECT_EQ(fixture.agent.shield->created, 0);
+  EXPECT_EQ(fixture.agent.log, std::vector<std::string>{"hold social until 12:50 — Discord did not hide; left alone"});
+}
+
+TEST(MacHoldsGuard, SparedAppHidesTheShieldAndSwitchingBackShowsItAgain) {
+  GuardFixture fixture;
+  const MacHoldsDue due = MacHoldsDue::sleep(kStudyEnd);
+  fixture.guardian->apply(due, planFor(due, false));
+  const pid_t discord = fixture.frontApp("com.hnc.Discord", "Discord");
+  ASSERT_TRUE(fixture.guardian->isShieldVisible());
+
+  fixture.frontApp("com.apple.finder", "Finder");
+  EXPECT_FALSE(fixture.guardian->isShieldVisible());
+
+  fixture.agent.workspace.activate(discord);
+  EXPECT_TRUE(fixture.guardian->isShieldVisible());
+  EXPECT_EQ(fixture.agent.workspace.hidden, (std::vector<pid_t>{discord, discord}));
+  // One panel, ordered in and out.
+  EXPECT_EQ(fixture.agent.shield->created, 1);
+}
+
+TEST(MacHoldsGuard, RepeatedPlanDisturbsNothingAndAMovedPlanRechecksTheFront) {
+  GuardFixture fixture;
+  const pid_t discord = fixture.agent.workspace.launch("com.hnc.Discord", "Discord");
+  fixture.agent.workspace.front = discord;
+  const MacHoldsDue due = MacHoldsDue::sleep(kStudyEnd);
+  fixture.guardian->apply(due, planFor(due, false));
+  ASSERT_EQ(fixture.agent.workspace.hidden.size(), 1u);
+  const int updates = fixture.agent.shield->contentUpdates;
+
+  fixture.guardian->apply(due, planFor(due, false));
+  fixture.guardian->apply(due, planFor(due, false));
+  EXPECT_EQ(fixture.agent.workspace.hidden.size(), 1u);
+  EXPECT_EQ(fixture.agent.shield->contentUpdates, updates);
+  EXPECT_EQ(fixture.agent.workspace.observerCount(MacWorkspaceEvent::didActivateApplication), 1u);
+
+  // A new end makes a new run: the visible shield is refreshed and the front re-checked.
+  const MacHoldsDue later = MacHoldsDue::sleep(kStudyEnd.addingMillis(3'600'000));
+  fixture.guardian->apply(later, planFor(later, false));
+  EXPECT_EQ(fixture.agent.workspace.hidden.size(), 2u);
+  ASSERT_TRUE(fixture.agent.shield->content);
+  EXPECT_EQ(fixture.agent.shield->content->due, later);
+}
+
+TEST(MacHoldsGuard, StopRemovesTheObserverThePlanAndTheShield) {
+  GuardFixture fixture;
+  const MacHoldsDue due = MacHoldsDue::sleep(kStudyEnd);
+  fixture.guardian->apply(due, planFor(due, false));
+  const pid_t discord = fixture.frontApp("com.hnc.Discord", "Discord");
+  ASSERT_TRUE(fixture.guardian->isShieldVisible());
+
+  fixture.guardian->stop();
+  EXPECT_FALSE(fixture.guardian->isShieldVisible());
+  EXPECT_FALSE(fixture.guardian->plan());
+  EXPECT_EQ(fixture.guardian->due(), MacHoldsDue::none());
+  EXPECT_EQ(fixture.agent.workspace.observerCount(MacWorkspaceEvent::didActivateApplication), 0u);
+
+  fixture.agent.workspace.activate(discord);
+  EXPECT_EQ(fixture.agent.workspace.hidden.size(), 1u);
+}
+
+TEST(MacHoldsGuard, ShieldButtonsHideTheShieldAndOpenKoviOpensTheMainApp) {
+  GuardFixture fixture;
+  const MacHoldsDue due = MacHoldsDue::social(kStudyEnd);
+  fixture.guardian->apply(due, planFor(due, false));
+  const pid_t discord = fixture.frontApp("com.hnc.Discord", "Discord");
+  ASSERT_TRUE(fixture.agent.shield->content);
+  const auto buttons = fixture.agent.shield->content->buttons();
+
+  buttons[1].action();  // Back to focus
+  EXPECT_FALSE(fixture.guardian->isShieldVisible());
+  EXPECT_EQ(fixture.agent.workspace.openMainAppCount, 0);
+  // The held application stays hidden: nothing un-hides it.
+  EXPECT_EQ(fixture.agent.workspace.hidden, std::vector<pid_t>{discord});
+
+  fixture.agent.workspace.activate(discord);
+  ASSERT_TRUE(fixture.guardian->isShieldVisible());
+  fixture.agent.shield->content->buttons()[0].action();  // Open Kovi
+  EXPECT_FALSE(fixture.guardian->isShieldVisible());
+  EXPECT_EQ(fixture.agent.workspace.openMainAppCount, 1);
+}
+
+TEST(MacHoldsGuard, ShieldActionsOfAGoneGuardDoNothing) {
+  GuardFixture fixture;
+  const MacHoldsDue due = MacHoldsDue::social(kStudyEnd);
+  fixture.guardian->apply(due, planFor(due, false));
+  fixture.frontApp("com.hnc.Discord", "Discord");
+  ASSERT_TRUE(fixture.agent.shield->content);
+  const auto buttons = fixture.agent.shield->content->buttons();
+  fixture.guardian.reset();
+  buttons[0].action();
+  EXPECT_EQ(fixture.agent.workspace.openMainAppCount, 0);
+}
+
+}  // namespace
+}  // namespace kovi::holds::testing
