@@ -9,6 +9,8 @@ namespace kovi::tool {
 // `exitStatus()`; usage errors are CLI11's (exit 2).
 void addErrorsCommands(CLI::App& app);
 void addCallCommand(CLI::App& app);
+void addCatCommands(CLI::App& app);
+void addStudyCommands(CLI::App& app);
 
 // The status `kovi` exits with once the chosen command has run: 0 when the
 // command ran and found what was asked, 1 when it ran and found a negative

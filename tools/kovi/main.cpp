@@ -20,6 +20,8 @@ int main(int argc, char** argv) {
 
   kovi::tool::addErrorsCommands(app);
   kovi::tool::addCallCommand(app);
+  kovi::tool::addCatCommands(app);
+  kovi::tool::addStudyCommands(app);
 
   CLI11_PARSE(app, argc, argv);
   return kovi::tool::exitStatus();
