@@ -1,0 +1,40 @@
+#include "tests/working/WorkingTestData.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
+
+namespace kovi::testing {
+
+std::string workingDataFile(std::string_view name) {
+  std::ifstream in(std::string(KOVI_WORKING_TEST_DATA) + "/" + std::string(name), std::ios::binary);
+  EXPECT_TRUE(in.good()) << "missing test data " << name;
+  std::ostringstream contents;
+  contents << in.rdbuf();
+  return contents.str();
+}
+
+nlohmann::json workingRulesJson(std::string_view name) { return nlohmann::json::parse(workingDataFile(name)); }
+
+WorkingRules decodedRules(const nlohmann::json& rules) {
+  auto decoded = decodeWorkingRulesDocument(rules);
+  EXPECT_TRUE(decoded.has_value()) << (decoded ? "" : decoded.error().reason);
+  return decoded.value_or(WorkingRules{});
+}
+
+WorkingRules workingRules(std::string_view name) { return decodedRules(workingRulesJson(name)); }
+
+std::expected<WorkingRules, WorkingRulesDecodeError> decodeEdited(std::string_view name, const RulesEdit& edit) {
+  nlohmann::json rules = workingRulesJson(name);
+  edit(rules);
+  return decodeWorkingRules(rules.dump());
+}
+
+std::int64_t istanbulTime(int day, int hour, int minute) {
+  constexpr std::int64_t kFirstDayStart = 1772398800000;  // 2026-03-02 00:00 +03:00
+  return kFirstDayStart + static_cast<std::int64_t>(day) * 86'400'000 + static_cast<std::int64_t>(hour) * 3'600'000 +
+         static_cast<std::int64_t>(minute) * 60'000;
+}
+
+}  // namespace kovi::testing

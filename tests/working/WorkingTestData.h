@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+#include "KoviKit/working/WorkingRules.h"
+
+namespace kovi::testing {
+
+// The canonical rule sets in tests/working/data: "daily-rules.json" (daily
+// goal, no race, funded), "race-rules.json" (highest total, three ranks),
+// "scheduled-rules.json" (three windows in Europe/Berlin across the spring
+// daylight-saving change, single sessions, free) and
+// "first-to-target-rules.json" (first to five hours takes the pool).
+std::string workingDataFile(std::string_view name);
+nlohmann::json workingRulesJson(std::string_view name);
+// The decoded rule set; fails the running test when it does not decode.
+WorkingRules workingRules(std::string_view name);
+// Decodes edited rule JSON; fails the running test when it does not decode.
+WorkingRules decodedRules(const nlohmann::json& rules);
+
+// A change to a rule document, for tables of broken and edge-case rule sets.
+using RulesEdit = std::function<void(nlohmann::json&)>;
+
+// `edit` applied to the rule set in `name`, then decoded from its text.
+std::expected<WorkingRules, WorkingRulesDecodeError> decodeEdited(std::string_view name, const RulesEdit& edit);
+
+// Istanbul (UTC+3, no daylight saving) instants of the daily, race and
+// first-to-target rule sets: `day` counts from the first kovi day.
+std::int64_t istanbulTime(int day, int hour, int minute = 0);
+
+}  // namespace kovi::testing
