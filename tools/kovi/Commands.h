@@ -11,6 +11,8 @@ void addErrorsCommands(CLI::App& app);
 void addCallCommand(CLI::App& app);
 void addCatCommands(CLI::App& app);
 void addStudyCommands(CLI::App& app);
+void addWalkingCommands(CLI::App& app);
+void addInviteCommands(CLI::App& app);
 
 // The status `kovi` exits with once the chosen command has run: 0 when the
 // command ran and found what was asked, 1 when it ran and found a negative

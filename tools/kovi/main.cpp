@@ -22,6 +22,8 @@ int main(int argc, char** argv) {
   kovi::tool::addCallCommand(app);
   kovi::tool::addCatCommands(app);
   kovi::tool::addStudyCommands(app);
+  kovi::tool::addWalkingCommands(app);
+  kovi::tool::addInviteCommands(app);
 
   CLI11_PARSE(app, argc, argv);
   return kovi::tool::exitStatus();
