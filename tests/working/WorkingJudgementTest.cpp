@@ -1,0 +1,426 @@
+#include "KoviKit/working/WorkingJudgement.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+
+#include "KoviKit/working/WorkingPoolApportionment.h"
+#include "KoviKit/working/WorkingRuleSummary.h"
+#include "KoviKit/working/WorkingSummaryTexts.h"
+#include "tests/working/WorkingTestData.h"
+
+namespace kovi {
+namespace {
+
+using Rules = WorkingRules;
+using Segment = WorkingWorkSegment;
+using testing::istanbulTime;
+namespace text = workingsummary;
+
+constexpr std::int64_t kHour = 3'600'000;
+
+// `minutes` of work from `hour`:`minute` on kovi day `day` (Istanbul rule sets).
+Segment work(int day, int hour, int minute, std::int64_t minutes) {
+  const std::int64_t start = istanbulTime(day, hour, minute);
+  return {start, start + minutes * 60'000};
+}
+
+// A member with one session per segment list.
+WorkingMemberWork member(std::string id, std::vector<std::vector<Segment>> sessions, std::int64_t violations = 0) {
+  WorkingMemberWork worker;
+  worker.accountID = std::move(id);
+  worker.violations = violations;
+  for (auto& segments : sessions) {
+    worker.sessions.push_back({"s" + std::to_string(worker.sessions.size() + 1), std::move(segments)});
+  }
+  return worker;
+}
+
+// One session of `hours` hours from 09:00 on each of `days`.
+WorkingMemberWork dailyWorker(std::string id, const std::vector<int>& days, std::int64_t minutes) {
+  std::vector<std::vector<Segment>> sessions;
+  for (const int day : days) sessions.push_back({work(day, 9, 0, minutes)});
+  return member(std::move(id), std::move(sessions));
+}
+
+// The summary line a judgement test relies on must be in the rule set's
+// consent summary: the judgement does what the participants read.
+bool summaryHas(const Rules& rules, const WorkingSummaryText& line) {
+  const auto lines = summarizeWorkingRules(rules);
+  return std::ranges::any_of(lines, [&](const WorkingSummaryLine& candidate) { return candidate.text == &line; });
+}
+
+WorkingJudgement judged(const Rules& rules, const std::vector<WorkingMemberWork>& members) {
+  auto judgement = judgeWorkingRules(rules, members);
+  EXPECT_TRUE(judgement.has_value()) << (judgement ? "" : judgement.error());
+  if (!judgement) return {};
+  std::int64_t total = judgement->settlement.carriedBps;
+  for (const auto& result : judgement->members) total += result.payoutBps;
+  EXPECT_EQ(total, 10000) << "shares and carried points must make the whole pool";
+  return std::move(*judgement);
+}
+
+std::map<std::string, std::int64_t> payouts(const WorkingJudgement& judgement) {
+  std::map<std::string, std::int64_t> byMember;
+  for (const auto& result : judgement.members) byMember[result.accountID] = result.payoutBps;
+  return byMember;
+}
+
+std::map<std::string, std::optional<std::int64_t>> ranks(const WorkingJudgement& judgement) {
+  std::map<std::string, std::optional<std::int64_t>> byMember;
+  for (const auto& result : judgement.members) byMember[result.accountID] = result.rank;
+  return byMember;
+}
+
+TEST(WorkingJudgementTest, DaysAreCappedAndOnlyTheBestRequiredDaysCount) {
+  const Rules rules = testing::workingRules("daily-rules.json");  // 2 h 30 min on 5 of 7 days
+  ASSERT_TRUE(summaryHas(rules, text::capNoCarry));
+  ASSERT_TRUE(summaryHas(rules, text::measureBestDays));
+  ASSERT_TRUE(summaryHas(rules, text::requiredSomeDays));
+
+  auto steady = member("steady", {{work(0, 9, 0, 300)}, {work(1, 9, 0, 150)}, {work(2, 9, 0, 150)},
+                                  {work(3, 9, 0, 150)}, {work(4, 9, 0, 150)}, {work(5, 9, 0, 60)}});
+  auto surge = member("surge", {{work(0, 8, 0, 600)}, {work(1, 9, 0, 120)}});
+  const auto judgement = judged(rules, {steady, surge});
+
+  const auto& first = judgement.members[0].progress;
+  EXPECT_EQ(first.countedMilliseconds, 16 * kHour);
+  EXPECT_EQ(first.progressMilliseconds, 5 * 150 * 60'000);  // day 0's five hours count as 2 h 30 min
+  EXPECT_EQ(first.targetMilliseconds, 5 * 150 * 60'000);
+  EXPECT_EQ(first.successfulDays, 5);
+  EXPECT_EQ(first.bestStreak, 5);
+  EXPECT_TRUE(first.successful);
+
+  // Ten hours on one day never make up for the days without work.
+  const auto& second = judgement.members[1].progress;
+  EXPECT_EQ(second.progressMilliseconds, 150 * 60'000 + 120 * 60'000);
+  EXPECT_EQ(second.successfulDays, 1);
+  EXPECT_FALSE(second.successful);
+}
+
+TEST(WorkingJudgementTest, TimeAcrossMidnightIsWrittenToEachDay) {
+  const Rules rules = testing::workingRules("daily-rules.json");
+  ASSERT_TRUE(summaryHas(rules, text::countingSpan));
+  const auto judgement = judged(rules, {member("night", {{work(0, 23, 0, 150)}})});
+  const auto& days = judgement.members[0].progress.days;
+  ASSERT_EQ(days.size(), 7U);
+  EXPECT_EQ(days[0].countedMilliseconds, 1 * kHour);
+  EXPECT_EQ(days[1].countedMilliseconds, 90 * 60'000);
+  EXPECT_FALSE(days[0].met || days[1].met);
+}
+
+TEST(WorkingJudgementTest, SessionsUnderTheMinimumDoNotCountAtAll) {
+  const Rules rules = testing::workingRules("daily-rules.json");  // minimum 10 minutes
+  ASSERT_TRUE(summaryHas(rules, text::minimumSession));
+  const auto judgement = judged(rules, {member("short", {{work(0, 9, 0, 5), work(0, 9, 10, 4)}}),
+                                        member("enough", {{work(0, 9, 0, 6), work(0, 9, 10, 4)}})});
+  EXPECT_EQ(judgement.members[0].progress.countedMilliseconds, 0);
+  EXPECT_EQ(judgement.members[1].progress.countedMilliseconds, 10 * 60'000);
+}
+
+TEST(WorkingJudgementTest, SuccessfulMembersShareEquallyWhateverTheirExtraWork) {
+  const Rules rules = testing::workingRules("daily-rules.json");
+  ASSERT_TRUE(summaryHas(rules, text::equalShares));
+  ASSERT_TRUE(summaryHas(rules, text::successByTarget));
+  const auto judgement =
+      judged(rules, {dailyWorker("bora", {0, 1, 2, 3, 4}, 150), dailyWorker("ayse", {0, 1, 2, 3, 4, 5, 6}, 480),
+                     dailyWorker("cem", {2, 3, 4, 5, 6}, 200), dailyWorker("deniz", {0, 1, 2, 3}, 600)});
+  // 10000 / 3 leaves one point, which goes to the first account ID.
+  const std::map<std::string, std::int64_t> expected{{"ayse", 3334}, {"bora", 3333}, {"cem", 3333}, {"deniz", 0}};
+  EXPECT_EQ(payouts(judgement), expected);
+  EXPECT_FALSE(judgement.settlement.fallbackUsed);
+  EXPECT_FALSE(judgement.members[3].eligible);
+}
+
+TEST(WorkingJudgementTest, BothConditionsOfDailyAndTotal) {
+  nlohmann::json edited = testing::workingRulesJson("daily-rules.json");
+  edited["goal"]["kind"] = "dailyAndTotal";
+  edited["goal"]["totalTargetSeconds"] = 20 * 3600;
+  const Rules rules = testing::decodedRules(edited);
+  ASSERT_TRUE(summaryHas(rules, text::bothConditions));
+  const auto judgement =
+      judged(rules, {dailyWorker("days-only", {0, 1, 2, 3, 4}, 150), dailyWorker("both", {0, 1, 2, 3, 4, 5}, 210)});
+  const auto& daysOnly = judgement.members[0].progress;
+  EXPECT_FALSE(daysOnly.successful);
+  EXPECT_EQ(daysOnly.progressMilliseconds, 2 * 5 * 150 * 60'000);  // 12 h 30 min of days + 12 h 30 min of total
+  EXPECT_EQ(daysOnly.targetMilliseconds, 5 * 150 * 60'000 + 20 * kHour);
+  EXPECT_TRUE(judgement.members[1].progress.successful);  // 21 hours over six days
+  EXPECT_EQ(payouts(judgement).at("both"), 10000);
+}
+
+struct FallbackCase {
+  std::string name;
+  std::string file;
+  const WorkingSummaryText* line;
+  std::vector<WorkingMemberWork> members;
+  WorkingSettlement settlement;
+  std::map<std::string, std::int64_t> payouts;
+};
+
+TEST(WorkingJudgementTest, FallbacksWhenNobodyQualifies) {
+  const FallbackCase cases[] = {
+      {"refund to everyone evaluated", "daily-rules.json", &text::fallbackRefund,
+       {dailyWorker("ayse", {0}, 150), dailyWorker("bora", {}, 0), dailyWorker("cem", {0, 1, 2}, 600)},
+       {WorkingSettlement::Kind::refund, true, 0},
+       {{"ayse", 3334}, {"bora", 3333}, {"cem", 3333}}},
+      {"closest to the target shares", "race-rules.json", &text::fallbackClosest,
+       {dailyWorker("ayse", {0}, 60), dailyWorker("bora", {0}, 90), dailyWorker("cem", {1}, 90)},
+       {WorkingSettlement::Kind::payout, true, 0},
+       {{"ayse", 0}, {"bora", 5000}, {"cem", 5000}}},
+      {"rollover carries the pool", "scheduled-rules.json", &text::fallbackRollover,
+       {member("ayse", {}), member("bora", {})},
+       {WorkingSettlement::Kind::rollover, true, 10000},
+       {{"ayse", 0}, {"bora", 0}}},
+  };
+  for (const FallbackCase& fallback : cases) {
+    SCOPED_TRACE(fallback.name);
+    const Rules rules = testing::workingRules(fallback.file);
+    EXPECT_TRUE(summaryHas(rules, *fallback.line));
+    const auto judgement = judged(rules, fallback.members);
+    EXPECT_EQ(judgement.settlement, fallback.settlement);
+    EXPECT_EQ(payouts(judgement), fallback.payouts);
+  }
+}
+
+struct RankCase {
+  std::string name;
+  const WorkingSummaryText* line;
+  std::vector<WorkingMemberWork> members;  // hours of work from 09:00 on day 0
+  std::map<std::string, std::optional<std::int64_t>> ranks;
+  std::map<std::string, std::int64_t> payouts;
+};
+
+TEST(WorkingJudgementTest, RanksTiesAndUndistributedShares) {
+  const Rules rules = testing::workingRules("race-rules.json");  // most work wins, 60/30/10 %, 2 h to enter
+  const RankCase cases[] = {
+      {"tied first place shares the first two ranks", &text::rankTiesShare,
+       {dailyWorker("ayse", {0}, 300), dailyWorker("bora", {0}, 300), dailyWorker("cem", {0}, 180),
+        dailyWorker("deniz", {0}, 60)},
+       {{"ayse", 1}, {"bora", 1}, {"cem", 3}, {"deniz", std::nullopt}},
+       {{"ayse", 4500}, {"bora", 4500}, {"cem", 1000}, {"deniz", 0}}},
+      {"fewer eligible than ranks", &text::rankUndistributed,
+       {dailyWorker("ayse", {0}, 300), dailyWorker("bora", {0}, 180), dailyWorker("cem", {0}, 60)},
+       {{"ayse", 1}, {"bora", 2}, {"cem", std::nullopt}},
+       {{"ayse", 6000}, {"bora", 4000}, {"cem", 0}}},
+      {"a tie for the last eligible rank takes the rest", &text::rankUndistributed,
+       {dailyWorker("ayse", {0}, 240), dailyWorker("bora", {3}, 240)},
+       {{"ayse", 1}, {"bora", 1}},
+       {{"ayse", 5000}, {"bora", 5000}}},
+      {"three tied split the pool with the point to the first ID", &text::rankTiesShare,
+       {dailyWorker("cem", {0}, 180), dailyWorker("ayse", {1}, 180), dailyWorker("bora", {2}, 180)},
+       {{"ayse", 1}, {"bora", 1}, {"cem", 1}},
+       {{"ayse", 3334}, {"bora", 3333}, {"cem", 3333}}},
+      {"under the eligibility minimum is not ranked", &text::raceEligibility,
+       {dailyWorker("ayse", {0}, 119), dailyWorker("bora", {0}, 120)},
+       {{"ayse", std::nullopt}, {"bora", 1}},
+       {{"ayse", 0}, {"bora", 10000}}},
+  };
+  for (const RankCase& rank : cases) {
+    SCOPED_TRACE(rank.name);
+    EXPECT_TRUE(summaryHas(rules, *rank.line));
+    const auto judgement = judged(rules, rank.members);
+    EXPECT_EQ(ranks(judgement), rank.ranks);
+    EXPECT_EQ(payouts(judgement), rank.payouts);
+  }
+}
+
+TEST(WorkingJudgementTest, RoundingByAddressOrdersTheLeftoverPoint) {
+  nlohmann::json edited = testing::workingRulesJson("race-rules.json");
+  edited["economics"]["rounding"] = "largestRemainderAddress";
+  const Rules rules = testing::decodedRules(edited);
+  auto ayse = dailyWorker("ayse", {0}, 180);
+  auto bora = dailyWorker("bora", {1}, 180);
+  auto cem = dailyWorker("cem", {2}, 180);
+  ayse.address = "0xCC";
+  bora.address = "0xbb";
+  cem.address = "0xAA";
+  const std::map<std::string, std::int64_t> expected{{"ayse", 3333}, {"bora", 3333}, {"cem", 3334}};
+  EXPECT_EQ(payouts(judged(rules, {ayse, bora, cem})), expected);
+}
+
+TEST(WorkingJudgementTest, FirstToTargetComparesReachTimesInBuckets) {
+  const Rules rules = testing::workingRules("first-to-target-rules.json");  // 5 h, 5-minute buckets, winner takes all
+  ASSERT_TRUE(summaryHas(rules, text::raceTieBucket));
+  ASSERT_TRUE(summaryHas(rules, text::winnerTakesAll));
+  // 14:00 and 14:04 fall in the same bucket; 14:05 starts the next one.
+  const auto judgement = judged(
+      rules, {member("ayse", {{work(0, 9, 0, 300)}}), member("bora", {{work(0, 8, 4, 120), work(0, 11, 4, 180)}}),
+              member("cem", {{work(0, 9, 5, 300)}}), member("deniz", {{work(0, 9, 0, 299)}})});
+  EXPECT_EQ(judgement.members[0].progress.reachedAt, istanbulTime(0, 14));
+  EXPECT_EQ(judgement.members[1].progress.reachedAt, istanbulTime(0, 14, 4));
+  const std::map<std::string, std::optional<std::int64_t>> expectedRanks{
+      {"ayse", 1}, {"bora", 1}, {"cem", 3}, {"deniz", std::nullopt}};
+  EXPECT_EQ(ranks(judgement), expectedRanks);
+  const std::map<std::string, std::int64_t> expectedPayouts{{"ayse", 5000}, {"bora", 5000}, {"cem", 0}, {"deniz", 0}};
+  EXPECT_EQ(payouts(judgement), expectedPayouts);
+}
+
+TEST(WorkingJudgementTest, EfficiencyRanksFewestViolationsThenEarliestBucket) {
+  for (const char* tieBreak : {"earliestTarget", "shared"}) {
+    SCOPED_TRACE(tieBreak);
+    nlohmann::json edited = testing::workingRulesJson("first-to-target-rules.json");
+    edited["race"]["kind"] = "efficiency";
+    edited["race"]["efficiencyTieBreak"] = tieBreak;
+    edited["economics"]["rankPayoutsBps"] = {7000, 3000};
+    const Rules rules = testing::decodedRules(edited);
+    const bool earliest = std::string(tieBreak) == "earliestTarget";
+    EXPECT_TRUE(summaryHas(rules, text::raceEfficiency));
+    EXPECT_EQ(summaryHas(rules, text::raceEarliestTarget), earliest);
+
+    const auto judgement =
+        judged(rules, {member("ayse", {{work(0, 8, 0, 300)}}, 1), member("bora", {{work(1, 9, 0, 300)}}, 0),
+                       member("cem", {{work(0, 9, 0, 300)}}, 0)});
+    const std::map<std::string, std::optional<std::int64_t>> expectedRanks =
+        earliest ? std::map<std::string, std::optional<std::int64_t>>{{"ayse", 3}, {"bora", 2}, {"cem", 1}}
+                 : std::map<std::string, std::optional<std::int64_t>>{{"ayse", 3}, {"bora", 1}, {"cem", 1}};
+    const std::map<std::string, std::int64_t> expectedPayouts =
+        earliest ? std::map<std::string, std::int64_t>{{"ayse", 0}, {"bora", 3000}, {"cem", 7000}}
+                 : std::map<std::string, std::int64_t>{{"ayse", 0}, {"bora", 5000}, {"cem", 5000}};
+    EXPECT_EQ(ranks(judgement), expectedRanks);
+    EXPECT_EQ(payouts(judgement), expectedPayouts);
+  }
+}
+
+TEST(WorkingJudgementTest, ConsistencyCountsDaysAndStreakCountsRuns) {
+  const struct {
+    const char* race;
+    const WorkingSummaryText* line;
+    std::map<std::string, std::int64_t> payouts;
+  } races[] = {
+      {"consistency", &text::raceConsistency, {{"ayse", 7000}, {"bora", 3000}}},
+      {"streak", &text::raceStreak, {{"ayse", 3000}, {"bora", 7000}}},
+  };
+  for (const auto& race : races) {
+    SCOPED_TRACE(race.race);
+    nlohmann::json edited = testing::workingRulesJson("daily-rules.json");
+    edited["race"]["kind"] = race.race;
+    edited["economics"]["payout"] = "ranked";
+    edited["economics"]["rankPayoutsBps"] = {7000, 3000};
+    const Rules rules = testing::decodedRules(edited);
+    EXPECT_TRUE(summaryHas(rules, *race.line));
+    // Four successful days in two runs of two, against three in a row.
+    const auto judgement =
+        judged(rules, {dailyWorker("ayse", {0, 1, 4, 5}, 150), dailyWorker("bora", {1, 2, 3}, 150)});
+    EXPECT_EQ(judgement.members[0].progress.bestStreak, 2);
+    EXPECT_EQ(judgement.members[1].progress.bestStreak, 3);
+    EXPECT_EQ(payouts(judgement), race.payouts);
+  }
+}
+
+// Scheduled rule set: Friday 18:00–21:00 (1 h 30 min), Saturday and Sunday
+// 09:00–12:00 (2 h each) in Europe/Berlin, single sessions, work outside the
+// windows excluded.
+Segment berlin(std::int64_t windowStart, int minutesIn, std::int64_t minutes) {
+  const std::int64_t start = windowStart + minutesIn * 60'000;
+  return {start, start + minutes * 60'000};
+}
+
+TEST(WorkingJudgementTest, SingleSessionsAreNotMergedInsideAWindow) {
+  const Rules rules = testing::workingRules("scheduled-rules.json");
+  ASSERT_TRUE(summaryHas(rules, text::singleSessionOnly));
+  ASSERT_TRUE(summaryHas(rules, text::measureWindowsBestSession));
+  const auto& windows = rules.calendar.windows;
+  const auto judgement = judged(
+      rules, {member("split", {{berlin(windows[0].start, 0, 60)}, {berlin(windows[0].start, 90, 60)}}),
+              member("whole", {{berlin(windows[0].start, 0, 90)},
+                               {berlin(windows[1].start, 0, 120)},
+                               {berlin(windows[2].start, 30, 180)}})});
+  const auto& split = judgement.members[0].progress;
+  EXPECT_EQ(split.windows[0].countedMilliseconds, 1 * kHour);
+  EXPECT_FALSE(split.windows[0].met);
+  const auto& whole = judgement.members[1].progress;
+  EXPECT_TRUE(whole.successful);
+  // The last window counts only until it ends and only up to its target.
+  EXPECT_EQ(whole.windows[2].countedMilliseconds, 150 * 60'000);
+  EXPECT_EQ(whole.progressMilliseconds, (90 + 120 + 120) * 60'000);
+  EXPECT_EQ(payouts(judgement).at("whole"), 10000);
+}
+
+TEST(WorkingJudgementTest, WorkOutsideTheWindowsIsExcludedOrKeptApart) {
+  for (const char* outside : {"exclude", "separate"}) {
+    SCOPED_TRACE(outside);
+    nlohmann::json edited = testing::workingRulesJson("scheduled-rules.json");
+    edited["calendar"]["outsideWindow"] = outside;
+    const Rules rules = testing::decodedRules(edited);
+    const std::int64_t friday = rules.calendar.windows[0].start;
+    const auto judgement = judged(rules, {member("early", {{berlin(friday, -240, 270)}})});
+    const auto& progress = judgement.members[0].progress;
+    EXPECT_EQ(progress.windows[0].countedMilliseconds, 30 * 60'000);
+    EXPECT_EQ(progress.countedMilliseconds, std::string(outside) == "exclude" ? 30 * 60'000 : 270 * 60'000);
+  }
+}
+
+TEST(WorkingJudgementTest, SprintNeedsItsTotalInsideTheOneWindow) {
+  nlohmann::json edited = testing::workingRulesJson("scheduled-rules.json");
+  edited["goal"] = {{"kind", "sprint"}, {"dailyTargetSeconds", nullptr}, {"totalTargetSeconds", 2 * 3600},
+                    {"requiredSuccessfulDays", nullptr}};
+  edited["calendar"]["windows"] = nlohmann::json::array({edited["calendar"]["windows"][1]});
+  const Rules rules = testing::decodedRules(edited);
+  ASSERT_TRUE(summaryHas(rules, text::sprintBoth));
+  const std::int64_t saturday = rules.calendar.windows[0].start;
+  const auto judgement = judged(rules, {member("in", {{berlin(saturday, 30, 150)}}),
+                                        member("short", {{berlin(saturday, 0, 110)}})});
+  EXPECT_TRUE(judgement.members[0].progress.successful);
+  EXPECT_EQ(judgement.members[0].progress.progressMilliseconds, 150 * 60'000);
+  EXPECT_FALSE(judgement.members[1].progress.successful);
+}
+
+TEST(WorkingJudgementTest, RefusesWorkItCannotJudge) {
+  nlohmann::json byAddress = testing::workingRulesJson("race-rules.json");
+  byAddress["economics"]["rounding"] = "largestRemainderAddress";
+  const Rules race = testing::workingRules("race-rules.json");
+  auto negative = dailyWorker("ayse", {0}, 60);
+  negative.violations = -1;
+  const struct {
+    std::string name;
+    Rules rules;
+    std::vector<WorkingMemberWork> members;
+    std::string error;
+  } cases[] = {
+      {"no members", race, {}, "members: no members to judge"},
+      {"empty account", race, {dailyWorker("", {0}, 60)}, "members[0].accountID: empty"},
+      {"repeated account", race, {dailyWorker("ayse", {0}, 60), dailyWorker("ayse", {1}, 60)},
+       "members[1].accountID: \"ayse\" appears more than once"},
+      {"segment ending at its start", race, {member("ayse", {{work(0, 9, 0, 60)}, {work(1, 9, 0, 0)}})},
+       "members[0].sessions[1].segments[0]: end is not after start"},
+      {"overlapping sessions", race, {member("ayse", {{work(0, 9, 0, 60)}, {work(0, 9, 30, 60)}})},
+       "members[0]: two segments overlap at " + std::to_string(istanbulTime(0, 9, 30))},
+      {"negative violations", race, {negative}, "members[0].violations: negative"},
+      {"rounding by address without one", testing::decodedRules(byAddress), {dailyWorker("ayse", {0}, 60)},
+       "members[0].address: rounding by address needs every member's address"},
+  };
+  for (const auto& refused : cases) {
+    SCOPED_TRACE(refused.name);
+    const auto judgement = judgeWorkingRules(refused.rules, refused.members);
+    ASSERT_FALSE(judgement.has_value());
+    EXPECT_EQ(judgement.error(), refused.error);
+  }
+}
+
+TEST(WorkingPoolApportionmentTest, LargestRemaindersTakeTheLeftoverPoints) {
+  const struct {
+    std::string name;
+    std::vector<WorkingPoolClaim> claims;
+    std::vector<std::int64_t> points;
+  } cases[] = {
+      {"exact shares", {{6000, 1, "a"}, {4000, 1, "b"}}, {6000, 4000}},
+      {"thirds go to the first in order", {{10000, 3, "c"}, {10000, 3, "a"}, {10000, 3, "b"}}, {3333, 3334, 3333}},
+      {"larger fraction first", {{5000, 3, "a"}, {5000, 3, "b"}, {5000, 3, "c"}, {5000, 2, "d"}, {5000, 2, "e"}},
+       {1667, 1667, 1666, 2500, 2500}},
+      {"sevenths",
+       {{10000, 7, "g"}, {10000, 7, "f"}, {10000, 7, "e"}, {10000, 7, "d"}, {10000, 7, "c"}, {10000, 7, "b"},
+        {10000, 7, "a"}},
+       {1428, 1428, 1428, 1429, 1429, 1429, 1429}},
+      {"nothing claimed", {{0, 1, "a"}, {0, 1, "b"}}, {0, 0}},
+  };
+  for (const auto& apportionment : cases) {
+    SCOPED_TRACE(apportionment.name);
+    const auto points = apportionWorkingPool(apportionment.claims,
+                                             apportionment.name == "nothing claimed" ? 0 : 10000);
+    EXPECT_EQ(points, apportionment.points);
+  }
+}
+
+}  // namespace
+}  // namespace kovi

@@ -1,0 +1,227 @@
+#include "KoviKit/working/WorkingRuleSummary.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "KoviKit/working/WorkingSummaryFormat.h"
+#include "KoviKit/working/WorkingSummaryTexts.h"
+#include "tests/working/WorkingTestData.h"
+
+namespace kovi {
+namespace {
+
+using Language = WorkingSummaryLanguage;
+using Rules = WorkingRules;
+namespace text = workingsummary;
+
+constexpr const char* kAllFixtures[] = {"daily-rules.json", "race-rules.json", "scheduled-rules.json",
+                                        "first-to-target-rules.json"};
+
+struct FormatCase {
+  std::int64_t value;
+  std::string turkish;
+  std::string english;
+  std::string french;
+};
+
+void expectFormats(std::string (*format)(std::int64_t, Language), const std::vector<FormatCase>& cases) {
+  for (const FormatCase& expected : cases) {
+    SCOPED_TRACE(expected.value);
+    EXPECT_EQ(format(expected.value, Language::turkish), expected.turkish);
+    EXPECT_EQ(format(expected.value, Language::english), expected.english);
+    EXPECT_EQ(format(expected.value, Language::french), expected.french);
+  }
+}
+
+TEST(WorkingSummaryFormatTest, DurationsReadAsHoursMinutesAndSeconds) {
+  expectFormats(formatWorkingDuration, {
+                                           {9000, "2 saat 30 dakika", "2 h 30 min", "2 h 30 min"},
+                                           {86'400, "24 saat", "24 h", "24 h"},
+                                           {45, "45 saniye", "45 s", "45 s"},
+                                           {3661, "1 saat 1 dakika 1 saniye", "1 h 1 min 1 s", "1 h 1 min 1 s"},
+                                           {0, "0 dakika", "0 min", "0 min"},
+                                           {31'622'400, "8.784 saat", "8,784 h", "8\u202f784 h"},
+                                       });
+}
+
+TEST(WorkingSummaryFormatTest, PercentagesAndCountsFollowTheLanguage) {
+  expectFormats(formatWorkingPercent, {
+                                          {2500, "%25", "25%", "25\u00a0%"},
+                                          {3333, "%33,33", "33.33%", "33,33\u00a0%"},
+                                          {10000, "%100", "100%", "100\u00a0%"},
+                                          {0, "%0", "0%", "0\u00a0%"},
+                                      });
+  expectFormats(formatWorkingCount, {
+                                        {7, "7", "7", "7"},
+                                        {12345, "12.345", "12,345", "12\u202f345"},
+                                    });
+}
+
+std::multiset<std::string> placeholders(std::string_view pattern) {
+  std::multiset<std::string> found;
+  for (std::size_t open = pattern.find('{'); open != std::string_view::npos; open = pattern.find('{', open + 1)) {
+    found.insert(std::string(pattern.substr(open, pattern.find('}', open) - open + 1)));
+  }
+  return found;
+}
+
+// A translation that drops or invents a value would print a wrong line.
+TEST(WorkingRuleSummaryTest, EveryTextHasTheSamePlaceholdersInEveryLanguage) {
+  for (const WorkingSummaryText* line : text::all) {
+    SCOPED_TRACE(line->turkish);
+    EXPECT_FALSE(line->english.empty());
+    EXPECT_FALSE(line->french.empty());
+    EXPECT_EQ(placeholders(line->english), placeholders(line->turkish));
+    EXPECT_EQ(placeholders(line->french), placeholders(line->turkish));
+  }
+}
+
+TEST(WorkingRuleSummaryTest, EveryLineRendersCompletelyInEveryLanguage) {
+  for (const char* file : kAllFixtures) {
+    const auto lines = summarizeWorkingRules(testing::workingRules(file));
+    EXPECT_EQ(lines.front().text, &text::consentBinding);
+    for (const Language language : {Language::turkish, Language::english, Language::french}) {
+      for (const std::string& rendered : renderWorkingSummary(lines, language)) {
+        SCOPED_TRACE(std::string(file) + ": " + rendered);
+        EXPECT_EQ(rendered.find('{'), std::string::npos);
+        EXPECT_EQ(rendered.find('}'), std::string::npos);
+      }
+    }
+  }
+}
+
+bool contains(const std::vector<std::string>& lines, const std::string& line) {
+  return std::ranges::find(lines, line) != lines.end();
+}
+
+TEST(WorkingRuleSummaryTest, OpenLinesAreCompletedWithTheRuleValues) {
+  const struct {
+    const char* file;
+    Language language;
+    std::vector<std::string> lines;
+  } cases[] = {
+      {"daily-rules.json",
+       Language::turkish,
+       {"Günlük hedef: 2 saat 30 dakika.", "7 günün 5 gününde hedefe ulaşmalısın.",
+        "Kovi başladıktan sonra ayrılırsan katkının %25 kadarı havuzda kalır.", "Katkının kalan %75 kadarı iade edilir.",
+        "Bir oturumda 10 dakika altında sayılabilir çalışma varsa o oturumun tamamı sayılmaz.",
+        "Eksik kayıtlar Kovi bitişinden sonra 24 saat boyunca yüklenebilir; çözülemeyen süre sayılmaz.",
+        "Mola sınırları: oturum başına 15 dakika, günde 1 saat; ardışık mola kayıtları tek mola sayılır.",
+        "Hedefi tamamlayan kimse olmazsa: kalan havuz değerlendirilen katılımcılara eşit olarak iade edilir."}},
+      {"daily-rules.json",
+       Language::english,
+       {"Daily target: 2 h 30 min.", "You must reach the target on 5 of the 7 days.",
+        "If you leave after the Kovi has started, 25% of your contribution stays in the pool.",
+        "Limited protection unlock: 2 times per session, 5 min each time."}},
+      {"daily-rules.json", Language::french, {"Objectif quotidien : 2 h 30 min.", "Tu dois atteindre l’objectif 5 jours sur 7."}},
+      {"race-rules.json",
+       Language::turkish,
+       {"Toplam hedef: Kovi boyunca 10 saat doğrulanmış çalışma.",
+        "Yarışa katılmak için 2 saat doğrulanmış çalışma hedefi tamamlanmalı.",
+        "Sıra payları: 1. sıraya %60, 2. sıraya %30, 3. sıraya %10.",
+        "Yarışa uygun kimse kalmazsa: hedefe en yakın sonuç seçilir; eşit sonuçlar paylaşır."}},
+      {"race-rules.json", Language::english, {"Rank shares: 60% to rank 1, 30% to rank 2, 10% to rank 3."}},
+      {"scheduled-rules.json",
+       Language::turkish,
+       {"Planlı hedef: aşağıdaki 3 çalışma aralığının her birindeki hedef tamamlanmalı.",
+        "1. aralık: 27 Mar 2026 18:00 – 27 Mar 2026 21:00, hedef 1 saat 30 dakika.",
+        "3. gün: 29 Mar 2026 00:00 – 30 Mar 2026 00:00 (23 saat).",
+        "Saat dilimi: Europe/Berlin. Seyahat veya cihazın saat dilimi bu sınırları değiştirmez."}},
+      {"scheduled-rules.json", Language::french, {"Jour 3 : 29 mars 2026, 00:00 – 30 mars 2026, 00:00 (23 h)."}},
+      {"first-to-target-rules.json",
+       Language::turkish,
+       {"Yarış hedefi: 5 saat doğrulanmış çalışmaya ilk ulaşan kazanır.",
+        "Ulaşma zamanları 5 dakika dilimlerle karşılaştırılır; aynı dilimdekiler eşit sayılır.",
+        "Ödül: havuzun tamamı birinciye gider. Eşitlikte birinciler paylaşır."}},
+  };
+  for (const auto& summary : cases) {
+    const auto lines = renderWorkingSummary(summarizeWorkingRules(testing::workingRules(summary.file)), summary.language);
+    for (const std::string& line : summary.lines) {
+      SCOPED_TRACE(std::string(summary.file) + ": " + line);
+      EXPECT_TRUE(contains(lines, line));
+    }
+  }
+}
+
+struct LineChoice {
+  std::string name;
+  std::string file;
+  void (*edit)(Rules&);
+  std::vector<const WorkingSummaryText*> present;
+  std::vector<const WorkingSummaryText*> absent;
+};
+
+// Each rule value picks its own lines, and only those.
+TEST(WorkingRuleSummaryTest, RuleValuesChooseTheirLines) {
+  const LineChoice cases[] = {
+      {"all days required", "daily-rules.json",
+       [](Rules& rules) { rules.goal.requiredSuccessfulDays = 7; }, {&text::requiredAllDays},
+       {&text::requiredSomeDays}},
+      {"make-up allowed", "daily-rules.json", [](Rules& rules) { rules.calendar.makeupAllowed = true; }, {},
+       {&text::noMakeup}},
+      {"anchored days", "daily-rules.json",
+       [](Rules& rules) { rules.calendar.dayBoundary = Rules::CalendarPolicy::DayBoundary::anchored; },
+       {&text::anchoredDays}, {&text::calendarDays}},
+      {"no Mac", "scheduled-rules.json", [](Rules& rules) { rules.verification.macRequired = false; },
+       {&text::macNotRequired}, {&text::macVerifies}},
+      {"timer only", "scheduled-rules.json",
+       [](Rules& rules) { rules.verification.strictness = Rules::Strictness::timerOnly; }, {&text::timerOnly}, {}},
+      {"unverified after permission loss", "daily-rules.json",
+       [](Rules& rules) { rules.verification.permissionLoss = Rules::PermissionLoss::unverified; },
+       {&text::permissionLossUnverified}, {&text::permissionLossPauses}},
+      {"no late records", "daily-rules.json", [](Rules& rules) { rules.verification.graceSeconds = 0; },
+       {&text::noLateRecords}, {&text::lateRecords}},
+      {"no break limits", "daily-rules.json",
+       [](Rules& rules) {
+         rules.breaks.maximumPerSessionSeconds.reset();
+         rules.breaks.maximumPerDaySeconds.reset();
+       },
+       {&text::noBreakLimits}, {&text::breakLimits, &text::overrunWarns}},
+      {"overrun penalty", "daily-rules.json",
+       [](Rules& rules) { rules.breaks.overrun = Rules::BreakOverrun::penalty; },
+       {&text::overrunPenalty, &text::overrunPenaltySeparate}, {&text::overrunWarns}},
+      {"manual breaks forbidden", "daily-rules.json", [](Rules& rules) { rules.breaks.manualAllowed = false; },
+       {&text::manualBreaksForbidden}, {}},
+      {"whole session invalidated by a bypass", "daily-rules.json",
+       [](Rules& rules) { rules.blocking.bypass.consequence = Rules::BypassConsequence::invalidateSession; },
+       {&text::bypassInvalidates}, {&text::bypassExcludesTime}},
+      {"no bypass, no emergency", "daily-rules.json",
+       [](Rules& rules) {
+         rules.blocking.bypass.mode = Rules::BypassMode::none;
+         rules.blocking.bypass.emergencyAlwaysAvailable = false;
+       },
+       {&text::bypassNeverCounts}, {&text::limitedBypass, &text::emergencyExit}},
+      {"late joiners keep the full target", "daily-rules.json",
+       [](Rules& rules) { rules.session.lateJoin = Rules::Session::LateJoin::fullTarget; },
+       {&text::lateJoinFullTarget}, {&text::lateJoinRemainingWindow}},
+      {"hidden presence", "daily-rules.json",
+       [](Rules& rules) { rules.privacy.presence = Rules::Privacy::Presence::hidden; }, {&text::presenceHidden},
+       {&text::presenceProgressOnly}},
+      {"exact duration shared", "daily-rules.json", [](Rules& rules) { rules.privacy.exactDuration = true; }, {},
+       {&text::exactDurationHidden}},
+      {"group approval in a funded kovi", "daily-rules.json",
+       [](Rules& rules) { rules.economics.manualEntry = Rules::ManualEntry::groupApproval; },
+       {&text::manualEntryForbidden}, {&text::manualEntryGroupApproval}},
+      {"stop at the target", "daily-rules.json",
+       [](Rules& rules) { rules.session.completion = Rules::Session::Completion::stop; }, {},
+       {&text::continueAfterTarget}},
+      {"total goal in single sessions", "race-rules.json",
+       [](Rules& rules) { rules.session.fragmentation = Rules::Fragmentation::singleSession; },
+       {&text::measureBestSession, &text::singleSessionOnly}, {&text::measureTotal}},
+  };
+  for (const LineChoice& choice : cases) {
+    SCOPED_TRACE(choice.name);
+    Rules rules = testing::workingRules(choice.file);
+    choice.edit(rules);
+    ASSERT_TRUE(rules.validate().has_value());
+    std::set<const WorkingSummaryText*> chosen;
+    for (const WorkingSummaryLine& line : summarizeWorkingRules(rules)) chosen.insert(line.text);
+    for (const WorkingSummaryText* line : choice.present) EXPECT_TRUE(chosen.contains(line)) << line->english;
+    for (const WorkingSummaryText* line : choice.absent) EXPECT_FALSE(chosen.contains(line)) << line->english;
+  }
+}
+
+}  // namespace
+}  // namespace kovi
