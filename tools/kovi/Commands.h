@@ -13,6 +13,7 @@ void addCatCommands(CLI::App& app);
 void addStudyCommands(CLI::App& app);
 void addWalkingCommands(CLI::App& app);
 void addInviteCommands(CLI::App& app);
+void addRulesCommands(CLI::App& app);
 
 // The status `kovi` exits with once the chosen command has run: 0 when the
 // command ran and found what was asked, 1 when it ran and found a negative
