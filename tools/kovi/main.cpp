@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
   kovi::tool::addStudyCommands(app);
   kovi::tool::addWalkingCommands(app);
   kovi::tool::addInviteCommands(app);
+  kovi::tool::addRulesCommands(app);
 
   CLI11_PARSE(app, argc, argv);
   return kovi::tool::exitStatus();
