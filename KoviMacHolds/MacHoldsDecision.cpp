@@ -1,5 +1,7 @@
 #include "KoviMacHolds/MacHoldsDecision.h"
 
+#include "KoviMacHolds/MacHoldsScheduleParts.h"
+
 namespace kovi::holds {
 
 MacHoldsEvaluation evaluateMacHolds(const MacHoldsSnapshotLoad& snapshot, Date now, const Calendar& calendar,
@@ -9,11 +11,13 @@ MacHoldsEvaluation evaluateMacHolds(const MacHoldsSnapshotLoad& snapshot, Date n
   // version is no snapshot: a stale agent must not keep holding applications
   // after the main app withdrew the schedule.
   const MacHoldsSnapshot* current = snapshot ? &*snapshot : nullptr;
-  evaluation.active = MacHoldsSchedule::isActive(current, now, calendar);
+  const MacHoldsDayClock clock(calendar);
+  const auto moment = MacHoldsSchedule::momentAt(now, clock);
+  evaluation.active = MacHoldsSchedule::isActiveAt(current, moment);
   if (current != nullptr) {
-    evaluation.windows = MacHoldsSchedule::windows(*current, now, calendar);
-    evaluation.due = MacHoldsSchedule::due(*current, now, calendar);
-    evaluation.plan = MacHoldsSchedule::plan(evaluation.due, current->keepCommunication, calendar.dayString(now));
+    evaluation.windows = MacHoldsSchedule::windowsAt(*current, moment);
+    evaluation.due = MacHoldsSchedule::dueAt(*current, evaluation.windows, moment);
+    evaluation.plan = MacHoldsSchedule::plan(evaluation.due, current->keepCommunication, moment.today);
   }
   if (!evaluation.active) {
     evaluation.action = MacHoldsAction::exit();

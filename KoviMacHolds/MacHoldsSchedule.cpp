@@ -1,7 +1,8 @@
 #include "KoviMacHolds/MacHoldsSchedule.h"
 
 #include <algorithm>
-#include <limits>
+#include <array>
+#include <set>
 
 #include "KoviKit/foundation/CheckedArithmetic.h"
 #include "KoviKit/purrl/PurrlFocusMode.h"
@@ -9,34 +10,29 @@
 
 namespace kovi::holds::MacHoldsSchedule {
 
-std::optional<Date> dateAtMinute(const Calendar& calendar, std::string_view day, std::int64_t minute) {
-  // A sum of two snapshot minutes can leave int's range; such a time names no
-  // day ICU can compute, so the window is absent.
-  if (minute < 0 || minute > std::numeric_limits<int>::max()) return std::nullopt;
-  return calendar.dateAt(day, static_cast<int>(minute));
-}
+Moment momentAt(Date now, const MacHoldsDayClock& clock) { return Moment{now, clock.dayString(now), clock}; }
 
 std::optional<Window> studyBlock(const MacHoldsSnapshot::ExamWeek& week, std::string_view day, int startMinute,
-                                 const Calendar& calendar) {
-  const auto start = dateAtMinute(calendar, day, startMinute);
-  const auto end = dateAtMinute(calendar, day, std::int64_t{startMinute} + week.blockMinutes);
+                                 const MacHoldsDayClock& clock) {
+  const auto start = clock.dateAt(day, startMinute);
+  const auto end = clock.dateAt(day, std::int64_t{startMinute} + week.blockMinutes);
   if (!start || !end) return std::nullopt;
   return Window{Window::Kind::study, *start, *end};
 }
 
-std::optional<Window> nightOf(std::string_view day, int startMinute, int endMinute, const Calendar& calendar) {
+std::optional<Window> nightOf(std::string_view day, int startMinute, int endMinute, const MacHoldsDayClock& clock) {
   // An end at or before the start is on the next day; equal start and end is
   // a full 24 hours, not an empty night.
   const std::int64_t end = startMinute < endMinute ? endMinute : std::int64_t{endMinute} + 1440;
-  const auto startDate = dateAtMinute(calendar, day, startMinute);
-  const auto endDate = dateAtMinute(calendar, day, end);
+  const auto startDate = clock.dateAt(day, startMinute);
+  const auto endDate = clock.dateAt(day, end);
   if (!startDate || !endDate) return std::nullopt;
   return Window{Window::Kind::sleep, *startDate, *endDate};
 }
 
-const MacHoldsSnapshot::ExamWeek* examWeekOf(const MacHoldsSnapshot& snapshot, const Calendar& calendar) {
+const MacHoldsSnapshot::ExamWeek* examWeekOf(const MacHoldsSnapshot& snapshot, const MacHoldsDayClock& clock) {
   const auto& week = snapshot.examWeek;
-  if (!week || !calendar.parseDay(week->startDay) || !calendar.parseDay(week->endDay)) return nullptr;
+  if (!week || !clock.isDay(week->startDay) || !clock.isDay(week->endDay)) return nullptr;
   return &*week;
 }
 
@@ -45,9 +41,9 @@ std::int64_t socialBudgetMS(const MacHoldsSnapshot& snapshot) {
   return checkedMul<std::int64_t>(snapshot.examWeek->socialMinutes, 60'000);
 }
 
-std::vector<std::string> nightDays(std::string_view today, const Calendar& calendar) {
+std::vector<std::string> nightDays(std::string_view today, const MacHoldsDayClock& clock) {
   std::vector<std::string> days{std::string(today)};
-  if (auto yesterday = calendar.shiftDay(-1, today)) days.push_back(std::move(*yesterday));
+  if (auto yesterday = clock.dayBefore(today)) days.push_back(std::move(*yesterday));
   return days;
 }
 
@@ -59,13 +55,12 @@ bool insideExamWeek(const MacHoldsSnapshot::ExamWeek& week, std::string_view day
   return week.startDay <= day && day <= week.endDay;
 }
 
-// The night that contains `now`, trying tonight before last night; the first
-// match ends the search, with the day it began on.
-std::optional<std::pair<std::string, Window>> nightContaining(int startMinute, int endMinute, std::string_view today,
-                                                              Date now, const Calendar& calendar) {
-  for (std::string& day : nightDays(today, calendar)) {
-    const auto night = nightOf(day, startMinute, endMinute, calendar);
-    if (night && contains(*night, now)) return std::pair{std::move(day), *night};
+// The night that contains the moment, trying tonight before last night; the
+// first match ends the search, with the day it began on.
+std::optional<std::pair<std::string, Window>> nightContaining(int startMinute, int endMinute, const Moment& moment) {
+  for (std::string& day : nightDays(moment.today, moment.clock)) {
+    const auto night = nightOf(day, startMinute, endMinute, moment.clock);
+    if (night && contains(*night, moment.now)) return std::pair{std::move(day), *night};
   }
   return std::nullopt;
 }
@@ -76,44 +71,15 @@ std::int64_t elapsedSince(std::int64_t since, Date now) {
   return std::max<std::int64_t>(checkedSub(now.unixMillis(), since), 0);
 }
 
-}  // namespace
-
-std::vector<Window> windows(const MacHoldsSnapshot& snapshot, Date now, const Calendar& calendar) {
-  std::vector<Window> found;
-  const std::string today = calendar.dayString(now);
-  if (const auto* week = examWeekOf(snapshot, calendar)) {
-    // Study blocks belong to the day they start on and never carry over midnight.
-    if (insideExamWeek(*week, today)) {
-      for (const int startMinute : {week->firstMinute, week->secondMinute}) {
-        const auto block = studyBlock(*week, today, startMinute, calendar);
-        if (block && contains(*block, now)) found.push_back(*block);
-      }
-    }
-    // An exam-week night counts only when it began inside the exam week. When
-    // the night that contains now began outside it, last night is deliberately
-    // not tried in its place.
-    if (week->sleepStart && week->sleepEnd) {
-      const auto night = nightContaining(*week->sleepStart, *week->sleepEnd, today, now, calendar);
-      if (night && insideExamWeek(*week, night->first)) found.push_back(night->second);
-    }
-  }
-  if (const auto& sleep = snapshot.sleep) {
-    if (auto night = nightContaining(sleep->startMinute, sleep->endMinute, today, now, calendar)) {
-      found.push_back(night->second);
-    }
-  }
-  return found;
-}
-
-AllowanceToday allowanceToday(const MacHoldsSnapshot& snapshot, Date now, const Calendar& calendar) {
-  AllowanceToday result{calendar.dayString(now), 0, std::nullopt};
+AllowanceToday allowanceOn(const MacHoldsSnapshot& snapshot, const Moment& moment) {
+  AllowanceToday result{moment.today, 0, std::nullopt};
   // A record of another day says nothing about today.
   if (!snapshot.allowance || snapshot.allowance->day != result.day) return result;
   result.usedMS = snapshot.allowance->usedMS;
   result.since = snapshot.allowance->since;
   if (result.since) {
     const std::int64_t budget = socialBudgetMS(snapshot);
-    const std::int64_t total = checkedAdd(result.usedMS, elapsedSince(*result.since, now));
+    const std::int64_t total = checkedAdd(result.usedMS, elapsedSince(*result.since, moment.now));
     if (checkedSub(budget, total) < 1) {
       result.since.reset();
       result.usedMS = std::min(total, budget);
@@ -122,40 +88,113 @@ AllowanceToday allowanceToday(const MacHoldsSnapshot& snapshot, Date now, const 
   return result;
 }
 
-MacHoldsDue due(const MacHoldsSnapshot& snapshot, Date now, const Calendar& calendar) {
+}  // namespace
+
+std::vector<Window> windowsAt(const MacHoldsSnapshot& snapshot, const Moment& moment) {
+  std::vector<Window> found;
+  if (const auto* week = examWeekOf(snapshot, moment.clock)) {
+    // Study blocks belong to the day they start on and never carry over midnight.
+    if (insideExamWeek(*week, moment.today)) {
+      for (const int startMinute : {week->firstMinute, week->secondMinute}) {
+        const auto block = studyBlock(*week, moment.today, startMinute, moment.clock);
+        if (block && contains(*block, moment.now)) found.push_back(*block);
+      }
+    }
+    // An exam-week night counts only when it began inside the exam week. When
+    // the night that contains now began outside it, last night is deliberately
+    // not tried in its place.
+    if (week->sleepStart && week->sleepEnd) {
+      const auto night = nightContaining(*week->sleepStart, *week->sleepEnd, moment);
+      if (night && insideExamWeek(*week, night->first)) found.push_back(night->second);
+    }
+  }
+  if (const auto& sleep = snapshot.sleep) {
+    if (auto night = nightContaining(sleep->startMinute, sleep->endMinute, moment)) found.push_back(night->second);
+  }
+  return found;
+}
+
+MacHoldsDue dueAt(const MacHoldsSnapshot& snapshot, const std::vector<Window>& windows, const Moment& moment) {
   if (snapshot.stopped) return MacHoldsDue::none();
 
-  const std::vector<Window> found = windows(snapshot, now, calendar);
-  if (!found.empty()) {
+  if (!windows.empty()) {
     // The window that began first decides; on equal starts the first found.
-    const Window* earliest = &found.front();
-    for (const Window& window : found) {
+    const Window* earliest = &windows.front();
+    for (const Window& window : windows) {
       if (window.start < earliest->start) earliest = &window;
     }
     return earliest->kind == Window::Kind::study ? MacHoldsDue::study(earliest->end)
                                                  : MacHoldsDue::sleep(earliest->end);
   }
 
-  const auto* week = examWeekOf(snapshot, calendar);
-  const std::string today = calendar.dayString(now);
-  if (week == nullptr || !insideExamWeek(*week, today)) return MacHoldsDue::none();
+  const auto* week = examWeekOf(snapshot, moment.clock);
+  if (week == nullptr || !insideExamWeek(*week, moment.today)) return MacHoldsDue::none();
 
   // Outside windows, an exam-week day is under the Social hold until midnight,
   // except while the main app has a Social span open with budget left.
-  const auto endOfDay = calendar.dateAt(today, 1440);
+  const auto endOfDay = moment.clock.dateAt(moment.today, 1440);
   if (!endOfDay) return MacHoldsDue::none();
-  const AllowanceToday allowance = allowanceToday(snapshot, now, calendar);
+  const AllowanceToday allowance = allowanceOn(snapshot, moment);
   if (allowance.since) {
-    const std::int64_t used = checkedAdd(allowance.usedMS, elapsedSince(*allowance.since, now));
+    const std::int64_t used = checkedAdd(allowance.usedMS, elapsedSince(*allowance.since, moment.now));
     const std::int64_t remaining = checkedSub(socialBudgetMS(snapshot), used);
     if (remaining >= 1) {
-      return MacHoldsDue::socialOpen(std::min(*endOfDay, now.addingMillis(static_cast<double>(remaining))));
+      return MacHoldsDue::socialOpen(std::min(*endOfDay, moment.now.addingMillis(static_cast<double>(remaining))));
     }
   }
   return MacHoldsDue::social(*endOfDay);
 }
 
+bool isActiveAt(const MacHoldsSnapshot* snapshot, const Moment& moment) {
+  if (snapshot == nullptr || snapshot->stopped) return false;
+  // An everyday sleep hold never ends by itself.
+  if (snapshot->sleep) return true;
+  const auto* week = examWeekOf(*snapshot, moment.clock);
+  if (week == nullptr) return false;
+  if (moment.today <= week->endDay) return true;
+  // After the exam week, a night that began on its last day is seen through.
+  return dueAt(*snapshot, windowsAt(*snapshot, moment), moment).kind != MacHoldsDue::Kind::none;
+}
+
+std::vector<Window> windows(const MacHoldsSnapshot& snapshot, Date now, const Calendar& calendar) {
+  const MacHoldsDayClock clock(calendar);
+  return windowsAt(snapshot, momentAt(now, clock));
+}
+
+MacHoldsDue due(const MacHoldsSnapshot& snapshot, Date now, const Calendar& calendar) {
+  const MacHoldsDayClock clock(calendar);
+  const Moment moment = momentAt(now, clock);
+  return dueAt(snapshot, windowsAt(snapshot, moment), moment);
+}
+
+AllowanceToday allowanceToday(const MacHoldsSnapshot& snapshot, Date now, const Calendar& calendar) {
+  const MacHoldsDayClock clock(calendar);
+  return allowanceOn(snapshot, momentAt(now, clock));
+}
+
+bool isActive(const MacHoldsSnapshot* snapshot, Date now, const Calendar& calendar) {
+  const MacHoldsDayClock clock(calendar);
+  return isActiveAt(snapshot, momentAt(now, clock));
+}
+
 namespace {
+
+// The applications of a row's plan, with or without the communication set.
+// Built once for every row and copied into each plan: the agent makes a plan
+// every few seconds.
+const std::set<std::string>& planBundleIDs(PurrlFocusModeID mode, bool withCommunication) {
+  static const auto sets = [] {
+    std::vector<std::array<std::set<std::string>, 2>> built;
+    for (const PurrlFocusModeSpec& row : purrlFocusModeTable()) {
+      std::set<std::string> rowOnly(row.macBundleIDs.begin(), row.macBundleIDs.end());
+      std::set<std::string> withSet = rowOnly;
+      withSet.insert(kMacHoldsCommunicationBundleIDs.begin(), kMacHoldsCommunicationBundleIDs.end());
+      built.push_back({std::move(rowOnly), std::move(withSet)});
+    }
+    return built;
+  }();
+  return sets[static_cast<std::size_t>(mode)][withCommunication ? 1 : 0];
+}
 
 struct PresetHold {
   PurrlFocusModeID mode;
@@ -168,10 +207,7 @@ MacFocus2EnforcementPlan presetPlan(const PresetHold& hold, UnixMillis until, bo
   plan.runID = hold.runIDPrefix + std::to_string(until);
   plan.mode = hold.mode;
   plan.allowlist = row.macApps == PurrlFocusAppPolicy::allowList;
-  plan.bundleIDs.insert(row.macBundleIDs.begin(), row.macBundleIDs.end());
-  if (plan.allowlist && keepCommunication) {
-    plan.bundleIDs.insert(kMacHoldsCommunicationBundleIDs.begin(), kMacHoldsCommunicationBundleIDs.end());
-  }
+  plan.bundleIDs = planBundleIDs(hold.mode, plan.allowlist && keepCommunication);
   plan.domains = row.blockedDomains;
   plan.until = until;
   plan.examWeek = false;
@@ -185,7 +221,7 @@ MacFocus2EnforcementPlan socialPlan(UnixMillis until, std::string_view today) {
   plan.runID = "exam-week-social:" + std::string(today);
   plan.mode = PurrlFocusModeID::gym;
   plan.allowlist = false;
-  plan.bundleIDs.insert(row.macBundleIDs.begin(), row.macBundleIDs.end());
+  plan.bundleIDs = planBundleIDs(PurrlFocusModeID::gym, false);
   plan.domains = row.blockedDomains;
   plan.until = until;
   plan.examWeek = true;
@@ -207,17 +243,6 @@ std::optional<MacFocus2EnforcementPlan> plan(const MacHoldsDue& due, bool keepCo
     case MacHoldsDue::Kind::none: break;
   }
   return std::nullopt;
-}
-
-bool isActive(const MacHoldsSnapshot* snapshot, Date now, const Calendar& calendar) {
-  if (snapshot == nullptr || snapshot->stopped) return false;
-  // An everyday sleep hold never ends by itself.
-  if (snapshot->sleep) return true;
-  const auto* week = examWeekOf(*snapshot, calendar);
-  if (week == nullptr) return false;
-  if (calendar.dayString(now) <= week->endDay) return true;
-  // After the exam week, a night that began on its last day is seen through.
-  return due(*snapshot, now, calendar).kind != MacHoldsDue::Kind::none;
 }
 
 }  // namespace kovi::holds::MacHoldsSchedule

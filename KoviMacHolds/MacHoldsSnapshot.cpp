@@ -2,6 +2,7 @@
 
 #include "KoviKit/foundation/ApplicationSupport.h"
 #include "KoviKit/foundation/FileIO.h"
+#include "KoviMacHolds/MacHoldsSnapshotFastPath.h"
 
 namespace kovi {
 
@@ -108,6 +109,8 @@ std::string versionText(int version) {
 }  // namespace
 
 MacHoldsSnapshotLoad decodeMacHoldsSnapshot(std::string_view bytes) {
+  if (auto snapshot = decodeMacHoldsSnapshotFast(bytes)) return std::move(*snapshot);
+  // Anything the fast path does not take is read strictly, which says why it fails.
   auto document = parseJson(bytes);
   if (!document) return failure(Kind::undecodable, document.error().message());
   const JsonView root(*document);

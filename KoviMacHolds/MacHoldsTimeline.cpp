@@ -22,21 +22,21 @@ UnixMillis firstMillisFrom(Date date) {
 // the day's study blocks, of tonight's and last night's nights, and the
 // millisecond the day's open Social span runs out of budget.
 std::vector<UnixMillis> changeCandidates(const MacHoldsSnapshot& snapshot, std::string_view day,
-                                         const Calendar& calendar) {
+                                         const MacHoldsDayClock& clock) {
   std::vector<Window> boundaries;
   auto keep = [&](const std::optional<Window>& window) {
     if (window) boundaries.push_back(*window);
   };
-  const std::vector<std::string> nights = nightDays(day, calendar);
-  if (const auto* week = examWeekOf(snapshot, calendar)) {
-    keep(studyBlock(*week, day, week->firstMinute, calendar));
-    keep(studyBlock(*week, day, week->secondMinute, calendar));
+  const std::vector<std::string> nights = nightDays(day, clock);
+  if (const auto* week = examWeekOf(snapshot, clock)) {
+    keep(studyBlock(*week, day, week->firstMinute, clock));
+    keep(studyBlock(*week, day, week->secondMinute, clock));
     if (week->sleepStart && week->sleepEnd) {
-      for (const std::string& night : nights) keep(nightOf(night, *week->sleepStart, *week->sleepEnd, calendar));
+      for (const std::string& night : nights) keep(nightOf(night, *week->sleepStart, *week->sleepEnd, clock));
     }
   }
   if (const auto& sleep = snapshot.sleep) {
-    for (const std::string& night : nights) keep(nightOf(night, sleep->startMinute, sleep->endMinute, calendar));
+    for (const std::string& night : nights) keep(nightOf(night, sleep->startMinute, sleep->endMinute, clock));
   }
 
   std::vector<UnixMillis> candidates;
@@ -57,14 +57,15 @@ std::vector<UnixMillis> changeCandidates(const MacHoldsSnapshot& snapshot, std::
 
 std::optional<std::vector<MacHoldsSegment>> macHoldsTimeline(const MacHoldsSnapshot& snapshot, std::string_view day,
                                                              const Calendar& calendar) {
-  const auto dayStart = calendar.dateAt(day, 0);
-  const auto dayEnd = calendar.dateAt(day, 1440);
+  const MacHoldsDayClock clock(calendar);
+  const auto dayStart = clock.dateAt(day, 0);
+  const auto dayEnd = clock.dateAt(day, 1440);
   if (!dayStart || !dayEnd) return std::nullopt;
   const UnixMillis from = firstMillisFrom(*dayStart);
   const UnixMillis to = firstMillisFrom(*dayEnd);
 
   std::vector<UnixMillis> cuts{from};
-  for (const UnixMillis candidate : changeCandidates(snapshot, day, calendar)) {
+  for (const UnixMillis candidate : changeCandidates(snapshot, day, clock)) {
     if (from < candidate && candidate < to) cuts.push_back(candidate);
   }
   std::sort(cuts.begin(), cuts.end());
@@ -75,7 +76,8 @@ std::optional<std::vector<MacHoldsSegment>> macHoldsTimeline(const MacHoldsSnaps
   // one evaluation at the start of each piece stands for all of it.
   std::vector<MacHoldsSegment> segments;
   for (std::size_t index = 0; index + 1 < cuts.size(); ++index) {
-    const auto kind = due(snapshot, Date::fromUnixMillis(static_cast<double>(cuts[index])), calendar).kind;
+    const Moment moment = momentAt(Date::fromUnixMillis(static_cast<double>(cuts[index])), clock);
+    const auto kind = dueAt(snapshot, windowsAt(snapshot, moment), moment).kind;
     if (!segments.empty() && segments.back().kind == kind) {
       segments.back().to = cuts[index + 1];
     } else {

@@ -1,5 +1,6 @@
-// Feeds arbitrary bytes to the snapshot decoder and every decoded snapshot to
-// the schedule: windows, the due hold, the plan, whether the agent stays
+// Feeds arbitrary bytes to the snapshot decoder — checking that its fast path
+// agrees with the strict decoder whenever it takes a document — and every
+// decoded snapshot to the schedule: windows, the due hold, the plan, whether the agent stays
 // active, and the day timeline, whose shape is checked (it must cover the day
 // from midnight to midnight without gaps or overlaps).
 #include <cstdint>
@@ -9,6 +10,7 @@
 #include "KoviKit/foundation/Calendar.h"
 #include "KoviMacHolds/MacHoldsDecision.h"
 #include "KoviMacHolds/MacHoldsSnapshot.h"
+#include "KoviMacHolds/MacHoldsSnapshotFastPath.h"
 #include "KoviMacHolds/MacHoldsTimeline.h"
 
 namespace {
@@ -49,7 +51,12 @@ void checkTimeline(const MacHoldsSnapshot& snapshot, std::string_view day, const
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   // New York has both a daylight-saving gap and a repeated hour.
   static const Calendar calendar = *Calendar::inZone("America/New_York");
-  auto load = decodeMacHoldsSnapshot(std::string_view(reinterpret_cast<const char*>(data), size));
+  const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+  if (const auto fast = decodeMacHoldsSnapshotFast(bytes)) {
+    const auto strict = decodeJsonText<MacHoldsSnapshot>(bytes);
+    if (!strict || *strict != *fast) std::abort();
+  }
+  auto load = decodeMacHoldsSnapshot(bytes);
   if (load) keepToRealAllowance(*load);
 
   for (const double now : {1'795'336'200'000.0, 1'793'514'600'000.0, 1'772'953'800'000.0}) {
