@@ -26,6 +26,12 @@ int main(int argc, char** argv) {
   kovi::tool::addInviteCommands(app);
   kovi::tool::addRulesCommands(app);
 
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    // --help is reported as a parse "error" that exits 0; every real usage
+    // error exits 2, as the commands document.
+    return app.exit(error) == 0 ? 0 : 2;
+  }
   return kovi::tool::exitStatus();
 }
