@@ -20,7 +20,7 @@ CLI::Validator instantValidator() {
         if (parseInstant(text)) return {};
         return "not an ISO 8601 time with an offset or Z (e.g. 2026-11-22T23:30:00+03:00): " + text;
       },
-      "TIME");
+      "");
 }
 
 CLI::Validator dayValidator() {
@@ -29,7 +29,7 @@ CLI::Validator dayValidator() {
         if (Calendar::current().parseDay(text)) return {};
         return "not a day written YYYY-MM-DD: " + text;
       },
-      "YYYY-MM-DD");
+      "");
 }
 
 SelectedSnapshot selectSnapshot(const SnapshotOptions& options, std::string_view day, const Calendar& calendar) {

@@ -37,7 +37,7 @@ std::string clockTextFrom(Date at, Date now, const Calendar& calendar) {
   const std::string day = calendar.dayString(at);
   const std::string today = calendar.dayString(now);
   if (day == today) return clock;
-  if (calendar.shiftDay(1, today) == day) return clock + " tomorrow";
+  if (calendar.shiftDay(1, today) == day) return clock == "00:00" ? "midnight" : clock + " tomorrow";
   return clock + " on " + day;
 }
 

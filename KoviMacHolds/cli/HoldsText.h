@@ -19,8 +19,8 @@ std::string snapshotProblemText(const MacHoldsSnapshotFailure& failure, std::str
 // they are not zero ("12:25:30.250").
 std::string clockText(UnixMillis at, const Calendar& calendar);
 
-// `at` relative to the day of `now`: "12:50", "07:00 tomorrow" or
-// "09:00 on 2026-11-25".
+// `at` relative to the day of `now`: "12:50", "07:00 tomorrow", "midnight"
+// (the start of tomorrow) or "09:00 on 2026-11-25".
 std::string clockTextFrom(Date at, Date now, const Calendar& calendar);
 
 // What a kind of due hold means for the apps in front: "only study apps may

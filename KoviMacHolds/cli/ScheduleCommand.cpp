@@ -59,7 +59,7 @@ void addScheduleCommand(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "schedule", "Show a day's timeline from local midnight to the next: every instant at which the due hold changes");
   addSnapshotOptions(*command, options->snapshot);
-  command->add_option("--day", options->day, "The day to show, YYYY-MM-DD (default: today)")->check(dayValidator());
+  command->add_option("--day", options->day, "The day to show, YYYY-MM-DD (default: today)")->check(dayValidator())->type_name("YYYY-MM-DD");
   command->callback([options] { exitStatus() = runSchedule(*options); });
 }
 

@@ -88,7 +88,8 @@ void addStatusCommand(CLI::App& app) {
       "status", "Evaluate the snapshot once, as the agent would: what is held now, until when, or why nothing is");
   addSnapshotOptions(*command, options->snapshot);
   command->add_option("--at", options->at, "Evaluate at TIME (ISO 8601 with an offset or Z) instead of now")
-      ->check(instantValidator());
+      ->check(instantValidator())
+      ->type_name("TIME");
   command->add_flag("--main-app-running", options->mainAppRunning,
                     "Decide as if the main Kovi app were running (the agent then stands by)");
   command->callback([options] { exitStatus() = runStatus(*options); });
