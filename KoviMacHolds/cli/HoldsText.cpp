@@ -46,7 +46,7 @@ std::string_view holdEffectText(MacHoldsDue::Kind kind) {
     case MacHoldsDue::Kind::study: return "only study apps may come to the front";
     case MacHoldsDue::Kind::sleep: return "games, messengers and streaming apps are kept from the front";
     case MacHoldsDue::Kind::social: return "no Social span is open, so games, messengers and streaming apps are kept from the front";
-    case MacHoldsDue::Kind::socialOpen: return "a Social span is open, so nothing is held";
+    case MacHoldsDue::Kind::socialOpen: return "nothing is held while it lasts";
     case MacHoldsDue::Kind::none: break;
   }
   return "nothing is held";

@@ -31,6 +31,7 @@ nlohmann::ordered_json statusJson(const MacHoldsSnapshotLoad& load, const MacHol
 
 // "Study hold until 12:50 (local time): only study apps may come to the front."
 std::string dueSentence(const MacHoldsDue& due, bool keepCommunication, Date now, const Calendar& calendar) {
+  if (due.kind == MacHoldsDue::Kind::none) return "Nothing is held right now.";
   std::string sentence(holdNameText(due.kind));
   if (due.until) sentence += " until " + clockTextFrom(*due.until, now, calendar) + " (local time)";
   sentence += ": ";
