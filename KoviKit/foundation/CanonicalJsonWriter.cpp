@@ -1,36 +1,37 @@
 #include "KoviKit/foundation/CanonicalJsonWriter.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace kovi {
 
 void CanonicalJsonWriter::beforeValue() {
-  if (followsSibling_) text_ += ',';
+  if (followsSibling_) put(',');
   followsSibling_ = true;
 }
 
 CanonicalJsonWriter& CanonicalJsonWriter::beginObject() {
   beforeValue();
-  text_ += '{';
+  put('{');
   followsSibling_ = false;
   return *this;
 }
 
 CanonicalJsonWriter& CanonicalJsonWriter::endObject() {
-  text_ += '}';
+  put('}');
   followsSibling_ = true;
   return *this;
 }
 
 CanonicalJsonWriter& CanonicalJsonWriter::beginArray() {
   beforeValue();
-  text_ += '[';
+  put('[');
   followsSibling_ = false;
   return *this;
 }
 
 CanonicalJsonWriter& CanonicalJsonWriter::endArray() {
-  text_ += ']';
+  put(']');
   followsSibling_ = true;
   return *this;
 }
@@ -38,7 +39,7 @@ CanonicalJsonWriter& CanonicalJsonWriter::endArray() {
 CanonicalJsonWriter& CanonicalJsonWriter::key(std::string_view name) {
   beforeValue();
   appendString(name);
-  text_ += ':';
+  put(':');
   // The value that follows belongs to this key: no comma before it.
   followsSibling_ = false;
   return *this;
@@ -52,50 +53,57 @@ CanonicalJsonWriter& CanonicalJsonWriter::value(std::string_view text) {
 
 CanonicalJsonWriter& CanonicalJsonWriter::value(bool flag) {
   beforeValue();
-  text_ += flag ? "true" : "false";
+  put(flag ? "true" : "false");
   return *this;
 }
 
+// No 64-bit integer needs more than 20 characters.
+constexpr std::size_t kLongestInteger = 20;
+
 CanonicalJsonWriter& CanonicalJsonWriter::integer(std::int64_t number) {
   beforeValue();
-  char digits[24];
-  const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-  text_.append(digits, end);
+  char* start = room(kLongestInteger);
+  length_ += static_cast<std::size_t>(std::to_chars(start, start + kLongestInteger, number).ptr - start);
   return *this;
 }
 
 CanonicalJsonWriter& CanonicalJsonWriter::unsignedInteger(std::uint64_t number) {
   beforeValue();
-  char digits[24];
-  const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-  text_.append(digits, end);
+  char* start = room(kLongestInteger);
+  length_ += static_cast<std::size_t>(std::to_chars(start, start + kLongestInteger, number).ptr - start);
   return *this;
+}
+
+void CanonicalJsonWriter::grow(std::size_t bytes) {
+  buffer_.resize(std::max(buffer_.size() * 2, length_ + bytes + 64));
 }
 
 void CanonicalJsonWriter::appendString(std::string_view text) {
   static constexpr char hex[] = "0123456789abcdef";
-  text_ += '"';
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    switch (c) {
-      case '"': text_ += "\\\""; break;
-      case '\\': text_ += "\\\\"; break;
-      case '\b': text_ += "\\b"; break;
-      case '\f': text_ += "\\f"; break;
-      case '\n': text_ += "\\n"; break;
-      case '\r': text_ += "\\r"; break;
-      case '\t': text_ += "\\t"; break;
+  put('"');
+  // Bytes that need no escape are copied in runs; hashed payloads are mostly such runs.
+  std::size_t runStart = 0;
+  for (std::size_t index = 0; index < text.size(); ++index) {
+    const auto byte = static_cast<unsigned char>(text[index]);
+    if (byte >= 0x20 && byte != '"' && byte != '\\') continue;
+    put(text.substr(runStart, index - runStart));
+    runStart = index + 1;
+    switch (byte) {
+      case '"': put("\\\""); break;
+      case '\\': put("\\\\"); break;
+      case '\b': put("\\b"); break;
+      case '\f': put("\\f"); break;
+      case '\n': put("\\n"); break;
+      case '\r': put("\\r"); break;
+      case '\t': put("\\t"); break;
       default:
-        if (byte < 0x20) {
-          text_ += "\\u00";
-          text_ += hex[byte >> 4];
-          text_ += hex[byte & 0x0f];
-        } else {
-          text_ += c;
-        }
+        put("\\u00");
+        put(hex[byte >> 4]);
+        put(hex[byte & 0x0f]);
     }
   }
-  text_ += '"';
+  put(text.substr(runStart));
+  put('"');
 }
 
 }  // namespace kovi

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstring>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -25,7 +26,9 @@ namespace kovi {
 // The writer does not check nesting; records write themselves in a fixed shape.
 class CanonicalJsonWriter {
  public:
-  void reserve(std::size_t bytes) { text_.reserve(bytes); }
+  void reserve(std::size_t bytes) {
+    if (buffer_.size() < bytes) buffer_.resize(bytes);
+  }
 
   CanonicalJsonWriter& beginObject();
   CanonicalJsonWriter& endObject();
@@ -45,16 +48,38 @@ class CanonicalJsonWriter {
     else return unsignedInteger(static_cast<std::uint64_t>(number));
   }
 
-  const std::string& text() const { return text_; }
-  std::string take() { return std::move(text_); }
+  std::string_view text() const { return {buffer_.data(), length_}; }
+  std::string take() {
+    buffer_.resize(length_);
+    length_ = 0;
+    return std::move(buffer_);
+  }
 
  private:
+  // Hashed payloads are built from many short pieces, so the writer keeps its
+  // own end: `buffer_` is sized ahead and only its first `length_` bytes are
+  // text, which spares every piece the string's own bookkeeping.
+  char* room(std::size_t bytes) {
+    if (buffer_.size() - length_ < bytes) grow(bytes);
+    return buffer_.data() + length_;
+  }
+  void grow(std::size_t bytes);
+  void put(char c) {
+    *room(1) = c;
+    ++length_;
+  }
+  void put(std::string_view piece) {
+    std::memcpy(room(piece.size()), piece.data(), piece.size());
+    length_ += piece.size();
+  }
+
   CanonicalJsonWriter& integer(std::int64_t number);
   CanonicalJsonWriter& unsignedInteger(std::uint64_t number);
   void beforeValue();
   void appendString(std::string_view text);
 
-  std::string text_;
+  std::string buffer_;
+  std::size_t length_ = 0;
   // Whether the next key or value follows a sibling and needs a comma.
   bool followsSibling_ = false;
 };
