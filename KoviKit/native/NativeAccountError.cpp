@@ -54,8 +54,11 @@ std::string NativeAccountError::message(const NativeErrorTable& table) const {
 
 std::string NativeAccountError::description() const {
   std::string text(enumName(kind_));
-  if (kind_ == Case::rateLimited) text += "(" + std::to_string(retryAfterSeconds_) + ")";
-  if (kind_ == Case::service) text += "(" + code_ + ")";
+  if (kind_ == Case::rateLimited || kind_ == Case::service) {
+    text += '(';
+    text += kind_ == Case::rateLimited ? std::to_string(retryAfterSeconds_) : code_;
+    text += ')';
+  }
   return text;
 }
 

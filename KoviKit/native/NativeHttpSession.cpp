@@ -2,7 +2,6 @@
 
 #include <curl/curl.h>
 
-#include <memory>
 #include <string_view>
 
 #include "KoviKit/foundation/Trap.h"
@@ -43,27 +42,20 @@ std::size_t receiveHeader(char* data, std::size_t size, std::size_t count, void*
   return length;
 }
 
-struct HeaderListFree {
-  void operator()(curl_slist* list) const { curl_slist_free_all(list); }
-};
-using HeaderList = std::unique_ptr<curl_slist, HeaderListFree>;
-
-void append(HeaderList& list, const std::string& line) {
-  curl_slist* extended = curl_slist_append(list.get(), line.c_str());
+void append(curl_slist*& list, const std::string& line) {
+  curl_slist* extended = curl_slist_append(list, line.c_str());
   if (extended == nullptr) trap("out of memory building request headers");
-  (void)list.release();
-  list.reset(extended);
+  list = extended;
 }
 
-HeaderList requestHeaders(const NativeHttpRequest& request) {
-  HeaderList list;
+curl_slist* requestHeaders(const NativeHttpRequest& request) {
+  curl_slist* list = nullptr;
   append(list, "Accept: application/json");
   if (request.body) append(list, "Content-Type: application/json");
   if (request.bearerToken) append(list, "Authorization: Bearer " + *request.bearerToken);
-  // libcurl keeps no cache of its own; these keep proxies from answering
+  // libcurl keeps no cache of its own; this keeps proxies from answering
   // with stored data.
   append(list, "Cache-Control: no-cache");
-  append(list, "Pragma: no-cache");
   // Send POST bodies at once instead of waiting for "100 Continue".
   append(list, "Expect:");
   for (const NativeHttpHeader& header : request.extraHeaders) append(list, header.name + ": " + header.value);
@@ -85,7 +77,6 @@ NativeHttpSession::NativeHttpSession(std::chrono::milliseconds timeout) {
   curl_easy_setopt(handle_, CURLOPT_TIMEOUT_MS, static_cast<long>(timeout.count()));
   curl_easy_setopt(handle_, CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(handle_, CURLOPT_FOLLOWLOCATION, 0L);
-  curl_easy_setopt(handle_, CURLOPT_USERAGENT, "KoviKit");
   // Refuses a declared Content-Length over the limit before any body arrives;
   // the write callback catches bodies without one.
   curl_easy_setopt(handle_, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(kNativeResponseBodyLimit));
@@ -93,16 +84,28 @@ NativeHttpSession::NativeHttpSession(std::chrono::milliseconds timeout) {
   curl_easy_setopt(handle_, CURLOPT_HEADERFUNCTION, receiveHeader);
 }
 
-NativeHttpSession::~NativeHttpSession() { curl_easy_cleanup(handle_); }
+NativeHttpSession::~NativeHttpSession() {
+  curl_easy_cleanup(handle_);
+  curl_slist_free_all(headers_);
+}
+
+curl_slist* NativeHttpSession::headersFor(const NativeHttpRequest& request) {
+  HeaderKey key{request.body.has_value(), request.bearerToken, request.extraHeaders};
+  if (headerKey_ != key) {
+    curl_slist_free_all(headers_);
+    headers_ = requestHeaders(request);
+    headerKey_ = std::move(key);
+  }
+  return headers_;
+}
 
 std::expected<NativeHttpResponse, NativeTransportFailure> NativeHttpSession::perform(const NativeHttpRequest& request) {
   std::lock_guard lock(mutex_);
   NativeHttpResponse response;
-  const HeaderList headers = requestHeaders(request);
   char errorText[CURL_ERROR_SIZE] = {};
 
   curl_easy_setopt(handle_, CURLOPT_URL, request.url.c_str());
-  curl_easy_setopt(handle_, CURLOPT_HTTPHEADER, headers.get());
+  curl_easy_setopt(handle_, CURLOPT_HTTPHEADER, headersFor(request));
   if (request.body) {
     curl_easy_setopt(handle_, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body->size()));
     curl_easy_setopt(handle_, CURLOPT_POSTFIELDS, request.body->data());
@@ -115,7 +118,6 @@ std::expected<NativeHttpResponse, NativeTransportFailure> NativeHttpSession::per
 
   const CURLcode result = curl_easy_perform(handle_);
   // The handle outlives these locals; leave it pointing at none of them.
-  curl_easy_setopt(handle_, CURLOPT_HTTPHEADER, nullptr);
   curl_easy_setopt(handle_, CURLOPT_ERRORBUFFER, nullptr);
   curl_easy_setopt(handle_, CURLOPT_WRITEDATA, nullptr);
   curl_easy_setopt(handle_, CURLOPT_HEADERDATA, nullptr);

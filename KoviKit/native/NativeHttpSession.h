@@ -10,6 +10,7 @@
 #include "KoviKit/native/NativeHttpResponse.h"
 
 typedef void CURL;
+struct curl_slist;
 
 namespace kovi {
 
@@ -50,8 +51,20 @@ class NativeHttpSession {
   std::expected<NativeHttpResponse, NativeTransportFailure> perform(const NativeHttpRequest& request);
 
  private:
+  // The header lines of the last request, reused while a client keeps
+  // sending the same token and kind of request.
+  struct HeaderKey {
+    bool hasBody = false;
+    std::optional<std::string> bearerToken;
+    std::vector<NativeHttpHeader> extraHeaders;
+    bool operator==(const HeaderKey&) const = default;
+  };
+  curl_slist* headersFor(const NativeHttpRequest& request);
+
   std::mutex mutex_;
   CURL* handle_;
+  std::optional<HeaderKey> headerKey_;
+  curl_slist* headers_ = nullptr;
 };
 
 }  // namespace kovi

@@ -31,7 +31,8 @@ std::expected<std::string, NativeAccountError> NativeServiceClient::sendForBody(
   }
   auto accepted = acceptNativeResponse(*response, Date::now().unixMillis());
   if (!accepted) return std::unexpected(accepted.error());
-  return std::string(*accepted);
+  // The accepted body is the response's own; take it rather than copy it.
+  return std::move(response->body);
 }
 
 std::expected<nlohmann::ordered_json, NativeAccountError> NativeServiceClient::sendJson(

@@ -48,7 +48,10 @@ bool isLoopbackHost(const std::string& host) {
 }  // namespace
 
 std::expected<NativeServiceOrigin, std::string> NativeServiceOrigin::parse(std::string_view text) {
-  const std::string quoted = "\"" + std::string(text) + "\"";
+  std::string quoted;
+  quoted += '"';
+  quoted += text;
+  quoted += '"';
   Url url(curl_url());
   if (!url) return std::unexpected("out of memory while reading the service origin");
   // No default scheme: the origin must say https:// itself. Unknown schemes
