@@ -3,6 +3,9 @@
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
 
+#include <poll.h>
+
+#include <algorithm>
 #include <cstring>
 
 namespace kovi::holds::x11 {
@@ -107,6 +110,18 @@ std::optional<long> X11Display::wmState(Window window) const {
   const auto values = longProperty(display_, window, atoms_.wmState, atoms_.wmState);
   if (values.empty()) return std::nullopt;
   return static_cast<long>(values.front());
+}
+
+bool X11Display::waitFor(const std::function<bool()>& condition, std::chrono::milliseconds timeout) const {
+  constexpr std::chrono::milliseconds recheck{2};
+  const auto deadline = std::chrono::steady_clock::now() + timeout;
+  while (!condition()) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    if (left.count() <= 0) return false;
+    pollfd descriptor{fd(), POLLIN, 0};
+    poll(&descriptor, 1, static_cast<int>(std::min(left, recheck).count()));
+  }
+  return true;
 }
 
 void X11Display::sendRootMessage(Window window, Atom type, long data0, long data1, long data2) const {

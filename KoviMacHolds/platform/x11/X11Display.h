@@ -2,7 +2,9 @@
 
 #include <X11/Xlib.h>
 
+#include <chrono>
 #include <expected>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -64,6 +66,12 @@ class X11Display {
   std::optional<X11WindowClass> windowClass(Window window) const;
   // The window's WM_STATE state (WithdrawnState, NormalState, IconicState).
   std::optional<long> wmState(Window window) const;
+
+  // Waits until the window manager has done what was asked: re-checks
+  // `condition` whenever data arrives from the server (and every couple of
+  // milliseconds, as replies already read sit in Xlib's queue), up to
+  // `timeout`. Events stay queued for the run loop.
+  bool waitFor(const std::function<bool()>& condition, std::chrono::milliseconds timeout) const;
 
   // Sends an EWMH client message to the root window, as pagers and window
   // managers expect.

@@ -112,8 +112,13 @@ void X11ShieldPanel::bringForward() {
   } else {
     XRaiseWindow(dpy, window_);
   }
-  display_.sendRootMessage(window_, display_.atoms().netActiveWindow, kSourcePager, CurrentTime);
+  const Atom active = display_.atoms().netActiveWindow;
+  display_.sendRootMessage(window_, active, kSourcePager, CurrentTime);
   XFlush(dpy);
+  // Hiding the held application made the window manager give the focus to
+  // some other window; waiting until the shield has it means the agent reads
+  // the shield, not that fallback, as the front window when it looks next.
+  display_.waitFor([&] { return display_.windowProperty(display_.root(), active) == window_; }, activationTime);
 }
 
 void X11ShieldPanel::orderOut() {

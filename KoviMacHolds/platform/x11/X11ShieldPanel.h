@@ -21,6 +21,9 @@ namespace kovi::holds::x11 {
 // manager's close button.
 class X11ShieldPanel final : public MacShieldPanel {
  public:
+  // How long bringing the panel forward waits for the window manager to make it the active window.
+  static constexpr std::chrono::milliseconds activationTime{500};
+
   X11ShieldPanel(X11Display& display, X11RunLoop& runLoop, PurrlFontStore fonts, MacHoldsClock clock);
   ~X11ShieldPanel() override;
 

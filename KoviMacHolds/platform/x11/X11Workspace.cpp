@@ -1,7 +1,6 @@
 #include "KoviMacHolds/platform/x11/X11Workspace.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -191,37 +190,9 @@ bool X11Workspace::hide(const MacRunningApplication& application) {
     if (display_.wmState(window) != IconicState) XIconifyWindow(display_.get(), window, display_.screen());
   }
   XFlush(display_.get());
-  return waitUntilIconic(windows);
-}
-
-bool X11Workspace::waitUntilIconic(const std::vector<Window>& windows) {
-  const auto deadline = std::chrono::steady_clock::now() + hideConfirmationTime;
-  auto allIconic = [&] {
-    return std::ranges::all_of(windows, [&](Window window) { return display_.wmState(window) == IconicState; });
-  };
-  struct Match {
-    const std::vector<Window>* windows;
-    Atom wmState;
-  } match{&windows, display_.atoms().wmState};
-  auto isWmStateChange = [](Display*, XEvent* event, XPointer argument) -> Bool {
-    const auto* wanted = reinterpret_cast<const Match*>(argument);
-    return event->type == PropertyNotify && event->xproperty.atom == wanted->wmState &&
-           std::ranges::find(*wanted->windows, event->xproperty.window) != wanted->windows->end();
-  };
-
-  while (!allIconic()) {
-    // Take only the WM_STATE changes of these windows off the queue; every
-    // other event stays for the run loop.
-    XEvent event;
-    bool changed = false;
-    while (XCheckIfEvent(display_.get(), &event, isWmStateChange, reinterpret_cast<XPointer>(&match))) changed = true;
-    if (changed) continue;
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-    if (left.count() <= 0) return false;
-    pollfd fd{display_.fd(), POLLIN, 0};
-    poll(&fd, 1, static_cast<int>(left.count()));
-  }
-  return true;
+  return display_.waitFor(
+      [&] { return std::ranges::all_of(windows, [&](Window window) { return display_.wmState(window) == IconicState; }); },
+      hideConfirmationTime);
 }
 
 void X11Workspace::openMainApp() {

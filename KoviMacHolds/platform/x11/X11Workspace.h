@@ -63,7 +63,6 @@ class X11Workspace final : public MacWorkspace {
   std::optional<ClientWindow> describeWindow(Window window) const;
   std::optional<MacRunningApplication> applicationOf(pid_t processIdentifier) const;
   std::set<pid_t> processes() const;
-  bool waitUntilIconic(const std::vector<Window>& windows);
   void notify(MacWorkspaceEvent event, std::optional<pid_t> processIdentifier);
 
   X11Display& display_;
