@@ -5,6 +5,7 @@
 
 #include "KoviKit/evidence/WalkingEvidenceError.h"
 #include "KoviKit/native/NativeAccountErrorTable.h"
+#include "KoviKit/purrl/PurrlErrorTable.h"
 #include "KoviKit/wallet/V6WalletErrors.h"
 #include "KoviKit/working/WorkingErrorTable.h"
 
@@ -19,6 +20,7 @@ std::span<const NativeErrorTable* const> errorAreas() {
       &v6EvidenceErrorTable(),
       &v6WalletErrorTable(),
       &kWorkingErrorTable,
+      &kPurrlErrorTable,
   };
   return areas;
 }
