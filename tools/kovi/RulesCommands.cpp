@@ -41,14 +41,21 @@ std::optional<WorkingRules> readRules(const std::string& path) {
   return std::move(*rules);
 }
 
+// A subcommand of `rules` that reads the rule set in its FILE argument.
+CLI::App* addFileCommand(CLI::App& rules, const char* name, const char* description, std::string& file) {
+  CLI::App* command = rules.add_subcommand(name, description);
+  command->add_option("FILE", file, kFileHelp)->required();
+  return command;
+}
+
 void addCheckCommand(CLI::App& rules) {
   auto file = std::make_shared<std::string>();
-  CLI::App* command = rules.add_subcommand(
-      "check",
+  CLI::App* command = addFileCommand(
+      rules, "check",
       "Decode FILE as a working rule set the way the apps do (strict key shape, then types,\n"
       "then every value check) and print `valid` (exit 0) or the reason it is refused (exit 1),\n"
-      "such as \"Unknown or missing policy field at rules.goal\" or \"Invalid Kovi range\".");
-  command->add_option("FILE", *file, kFileHelp)->required();
+      "such as \"Unknown or missing policy field at rules.goal\" or \"Invalid Kovi range\".",
+      *file);
   command->callback([file] {
     const auto text = readInput(*file);
     if (!text) return refuseInput(text.error());
@@ -60,12 +67,12 @@ void addCheckCommand(CLI::App& rules) {
 
 void addUnsupportedCommand(CLI::App& rules) {
   auto file = std::make_shared<std::string>();
-  CLI::App* command = rules.add_subcommand(
-      "unsupported",
+  CLI::App* command = addFileCommand(
+      rules, "unsupported",
       "Print, as a JSON array of {\"path\", \"label\"}, the rules in FILE that this version\n"
       "cannot apply, with the Turkish label users see. Exit 0 when the array is empty,\n"
-      "1 when a kovi with these rules cannot be created (or the rules are invalid).");
-  command->add_option("FILE", *file, kFileHelp)->required();
+      "1 when a kovi with these rules cannot be created (or the rules are invalid).",
+      *file);
   command->callback([file] {
     const auto rules = readRules(*file);
     if (!rules) return;
@@ -84,11 +91,11 @@ void addSummaryCommand(CLI::App& rules) {
     std::string language = "tr";
   };
   auto options = std::make_shared<Options>();
-  CLI::App* command = rules.add_subcommand(
-      "summary",
+  CLI::App* command = addFileCommand(
+      rules, "summary",
       "Print the consent summary of the rule set in FILE, one line per line, in Turkish\n"
-      "(as participants consent to it) or in its English or French translation.");
-  command->add_option("FILE", options->file, kFileHelp)->required();
+      "(as participants consent to it) or in its English or French translation.",
+      options->file);
   command->add_option("--lang", options->language, "Language of the lines")
       ->check(CLI::IsMember({"tr", "en", "fr"}))
       ->capture_default_str();
@@ -108,14 +115,14 @@ void addJudgeCommand(CLI::App& rules) {
     std::string work;
   };
   auto options = std::make_shared<Options>();
-  CLI::App* command = rules.add_subcommand(
-      "judge",
+  CLI::App* command = addFileCommand(
+      rules, "judge",
       "Judge the members' counted work in the --work file under the rule set in FILE, as the\n"
       "consent summary promises, and print each member's progress, success, rank and payout\n"
       "share (basis points) with the settlement as JSON. The work file is\n"
       "{\"members\": [{\"accountID\", \"address\"?, \"violations\"?, \"sessions\": [{\"id\",\n"
-      "\"segments\": [{\"start\", \"end\"}]}]}]} with Unix-millisecond instants.");
-  command->add_option("FILE", options->file, kFileHelp)->required();
+      "\"segments\": [{\"start\", \"end\"}]}]}]} with Unix-millisecond instants.",
+      options->file);
   command->add_option("--work", options->work, "The members' counted work as JSON, or - for standard input")
       ->required();
   command->callback([options] {
