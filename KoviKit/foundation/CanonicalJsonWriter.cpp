@@ -10,28 +10,15 @@ void CanonicalJsonWriter::beforeValue() {
   followsSibling_ = true;
 }
 
-CanonicalJsonWriter& CanonicalJsonWriter::beginObject() {
+CanonicalJsonWriter& CanonicalJsonWriter::open(char bracket) {
   beforeValue();
-  put('{');
+  put(bracket);
   followsSibling_ = false;
   return *this;
 }
 
-CanonicalJsonWriter& CanonicalJsonWriter::endObject() {
-  put('}');
-  followsSibling_ = true;
-  return *this;
-}
-
-CanonicalJsonWriter& CanonicalJsonWriter::beginArray() {
-  beforeValue();
-  put('[');
-  followsSibling_ = false;
-  return *this;
-}
-
-CanonicalJsonWriter& CanonicalJsonWriter::endArray() {
-  put(']');
+CanonicalJsonWriter& CanonicalJsonWriter::close(char bracket) {
+  put(bracket);
   followsSibling_ = true;
   return *this;
 }
@@ -60,19 +47,16 @@ CanonicalJsonWriter& CanonicalJsonWriter::value(bool flag) {
 // No 64-bit integer needs more than 20 characters.
 constexpr std::size_t kLongestInteger = 20;
 
-CanonicalJsonWriter& CanonicalJsonWriter::integer(std::int64_t number) {
+template <class Integer>
+CanonicalJsonWriter& CanonicalJsonWriter::digits(Integer number) {
   beforeValue();
   char* start = room(kLongestInteger);
   length_ += static_cast<std::size_t>(std::to_chars(start, start + kLongestInteger, number).ptr - start);
   return *this;
 }
 
-CanonicalJsonWriter& CanonicalJsonWriter::unsignedInteger(std::uint64_t number) {
-  beforeValue();
-  char* start = room(kLongestInteger);
-  length_ += static_cast<std::size_t>(std::to_chars(start, start + kLongestInteger, number).ptr - start);
-  return *this;
-}
+template CanonicalJsonWriter& CanonicalJsonWriter::digits(std::int64_t);
+template CanonicalJsonWriter& CanonicalJsonWriter::digits(std::uint64_t);
 
 void CanonicalJsonWriter::grow(std::size_t bytes) {
   buffer_.resize(std::max(buffer_.size() * 2, length_ + bytes + 64));

@@ -30,10 +30,10 @@ class CanonicalJsonWriter {
     if (buffer_.size() < bytes) buffer_.resize(bytes);
   }
 
-  CanonicalJsonWriter& beginObject();
-  CanonicalJsonWriter& endObject();
-  CanonicalJsonWriter& beginArray();
-  CanonicalJsonWriter& endArray();
+  CanonicalJsonWriter& beginObject() { return open('{'); }
+  CanonicalJsonWriter& endObject() { return close('}'); }
+  CanonicalJsonWriter& beginArray() { return open('['); }
+  CanonicalJsonWriter& endArray() { return close(']'); }
 
   // Writes `"name":`; the next call writes its value.
   CanonicalJsonWriter& key(std::string_view name);
@@ -44,8 +44,8 @@ class CanonicalJsonWriter {
   template <std::integral T>
     requires(!std::same_as<T, bool>)
   CanonicalJsonWriter& value(T number) {
-    if constexpr (std::is_signed_v<T>) return integer(static_cast<std::int64_t>(number));
-    else return unsignedInteger(static_cast<std::uint64_t>(number));
+    if constexpr (std::is_signed_v<T>) return digits(static_cast<std::int64_t>(number));
+    else return digits(static_cast<std::uint64_t>(number));
   }
 
   std::string_view text() const { return {buffer_.data(), length_}; }
@@ -73,8 +73,11 @@ class CanonicalJsonWriter {
     length_ += piece.size();
   }
 
-  CanonicalJsonWriter& integer(std::int64_t number);
-  CanonicalJsonWriter& unsignedInteger(std::uint64_t number);
+  CanonicalJsonWriter& open(char bracket);
+  CanonicalJsonWriter& close(char bracket);
+  // Defined for std::int64_t and std::uint64_t.
+  template <class Integer>
+  CanonicalJsonWriter& digits(Integer number);
   void beforeValue();
   void appendString(std::string_view text);
 
