@@ -263,7 +263,8 @@ struct WorkingRulesDecodeError {
 // Shape check, typed decoding and validation of one rule document, in that
 // order: the result is a rule set that may be applied, or why not.
 std::expected<WorkingRules, WorkingRulesDecodeError> decodeWorkingRules(std::string_view text);
-std::expected<WorkingRules, WorkingRulesDecodeError> decodeWorkingRules(const nlohmann::json& document);
+// The same stages on an already parsed document.
+std::expected<WorkingRules, WorkingRulesDecodeError> decodeWorkingRulesDocument(const nlohmann::json& document);
 
 // The rule set's JSON in declared key order, unset optionals as null.
 nlohmann::ordered_json encodeWorkingRules(const WorkingRules& rules);

@@ -211,7 +211,7 @@ std::expected<WorkingRules, StageFailure> decodeStages(const JsonView& view) {
 
 }  // namespace
 
-std::expected<WorkingRules, WorkingRulesDecodeError> decodeWorkingRules(const nlohmann::json& document) {
+std::expected<WorkingRules, WorkingRulesDecodeError> decodeWorkingRulesDocument(const nlohmann::json& document) {
   auto rules = decodeStages(JsonView(document, "rules"));
   if (!rules) return std::unexpected(Failure{rules.error().stage, rules.error().reason()});
   return std::move(*rules);
@@ -220,7 +220,7 @@ std::expected<WorkingRules, WorkingRulesDecodeError> decodeWorkingRules(const nl
 std::expected<WorkingRules, WorkingRulesDecodeError> decodeWorkingRules(std::string_view text) {
   auto document = parseJson(text);
   if (!document) return std::unexpected(Failure{Failure::Stage::syntax, document.error().message()});
-  return decodeWorkingRules(*document);
+  return decodeWorkingRulesDocument(*document);
 }
 
 Decoded<WorkingRules> JsonDecoder<WorkingRules>::decode(const JsonView& json) {
