@@ -19,4 +19,11 @@ std::optional<std::string_view> NativeHttpResponse::header(std::string_view name
   return found->value;
 }
 
+std::string_view trimmedHeaderValue(std::string_view value) {
+  constexpr std::string_view kWhiteSpace = " \t\r\n";
+  const auto first = value.find_first_not_of(kWhiteSpace);
+  if (first == std::string_view::npos) return {};
+  return value.substr(first, value.find_last_not_of(kWhiteSpace) - first + 1);
+}
+
 }  // namespace kovi

@@ -33,4 +33,8 @@ struct NativeHttpResponse {
   std::optional<std::string_view> header(std::string_view name) const;
 };
 
+// `value` without the spaces, tabs, CRs and LFs around it, as header values
+// are read.
+std::string_view trimmedHeaderValue(std::string_view value);
+
 }  // namespace kovi

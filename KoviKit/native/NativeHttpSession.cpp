@@ -21,13 +21,6 @@ std::size_t receiveBody(char* data, std::size_t size, std::size_t count, void* c
   return length;
 }
 
-std::string_view trimmedValue(std::string_view text) {
-  constexpr std::string_view kWhiteSpace = " \t\r\n";
-  const auto first = text.find_first_not_of(kWhiteSpace);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
-}
-
 std::size_t receiveHeader(char* data, std::size_t size, std::size_t count, void* context) {
   auto& response = *static_cast<NativeHttpResponse*>(context);
   const std::size_t length = size * count;
@@ -37,7 +30,7 @@ std::size_t receiveHeader(char* data, std::size_t size, std::size_t count, void*
     // the final response's headers count.
     response.headers.clear();
   } else if (const auto colon = line.find(':'); colon != std::string_view::npos && colon > 0) {
-    response.headers.push_back({std::string(line.substr(0, colon)), std::string(trimmedValue(line.substr(colon + 1)))});
+    response.headers.push_back({std::string(line.substr(0, colon)), std::string(trimmedHeaderValue(line.substr(colon + 1)))});
   }
   return length;
 }

@@ -7,16 +7,10 @@
 #include <memory>
 
 #include "KoviKit/foundation/IcuText.h"
+#include "KoviKit/native/NativeHttpResponse.h"
 
 namespace kovi {
 namespace {
-
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view kWhiteSpace = " \t\r\n";
-  const auto first = text.find_first_not_of(kWhiteSpace);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kWhiteSpace) - first + 1);
-}
 
 std::optional<std::int64_t> parseSeconds(std::string_view text) {
   if (text.starts_with('+')) text.remove_prefix(1);
@@ -70,7 +64,7 @@ std::optional<std::int64_t> secondsUntil(double millis, UnixMillis now) {
 }  // namespace
 
 std::optional<std::int64_t> parseRetryAfter(std::string_view value, UnixMillis now) {
-  const std::string_view text = trimmed(value);
+  const std::string_view text = trimmedHeaderValue(value);
   if (text.empty()) return std::nullopt;
   if (auto seconds = parseSeconds(text)) return seconds;
   const auto millis = parseHttpDate(text);
