@@ -63,7 +63,6 @@ bool isOnPath(const char* program) {
 X11Workspace::X11Workspace(X11Display& display, X11RunLoop& runLoop) : display_(display) {
   XSelectInput(display_.get(), display_.root(), PropertyChangeMask);
   refreshClients(false);
-  activeWindow_ = display_.windowProperty(display_.root(), display_.atoms().netActiveWindow);
   runLoop.addEventHandler([this](const XEvent& event) { handleEvent(event); });
   runLoop.setWakeHandler([this] { notify(MacWorkspaceEvent::didWake, std::nullopt); });
 }
@@ -124,9 +123,11 @@ void X11Workspace::refreshClients(bool notify) {
 }
 
 void X11Workspace::activeWindowChanged() {
+  // The property is read now rather than trusted from the event: of changes
+  // that queued up while the agent was busy (its own hide moving the focus
+  // around, say) only the window in front now matters. It is reported even
+  // when it was in front before, as it may have left and come back meanwhile.
   const auto active = display_.windowProperty(display_.root(), display_.atoms().netActiveWindow);
-  if (active == activeWindow_) return;
-  activeWindow_ = active;
   if (!active) return;
   auto client = clients_.find(*active);
   if (client == clients_.end()) {
@@ -186,12 +187,42 @@ bool X11Workspace::hide(const MacRunningApplication& application) {
     if (client.processIdentifier == application.processIdentifier && !client.isDesktopPart) windows.push_back(window);
   }
   if (windows.empty()) return false;
+
+  // The window being activated may still read Iconic: the window manager can
+  // announce the activation before it has shown the window again. So the
+  // active window is always asked, and a window only counts as hidden once
+  // the window manager has changed its WM_STATE after the request.
+  const auto active = display_.windowProperty(display_.root(), display_.atoms().netActiveWindow);
+  std::vector<Window> asked;
   for (Window window : windows) {
-    if (display_.wmState(window) != IconicState) XIconifyWindow(display_.get(), window, display_.screen());
+    if (window == active || display_.wmState(window) != IconicState) {
+      XIconifyWindow(display_.get(), window, display_.screen());
+      asked.push_back(window);
+    }
   }
+  if (asked.empty()) return true;
   XFlush(display_.get());
+
+  struct StateChanges {
+    const std::vector<Window>* windows;
+    Atom wmState;
+  } wanted{&asked, display_.atoms().wmState};
+  auto isStateChange = [](Display*, XEvent* event, XPointer argument) -> Bool {
+    const auto* changes = reinterpret_cast<const StateChanges*>(argument);
+    return event->type == PropertyNotify && event->xproperty.atom == changes->wmState &&
+           std::ranges::find(*changes->windows, event->xproperty.window) != changes->windows->end();
+  };
+  std::set<Window> changed;
   return display_.waitFor(
-      [&] { return std::ranges::all_of(windows, [&](Window window) { return display_.wmState(window) == IconicState; }); },
+      [&] {
+        XEvent event;
+        while (XCheckIfEvent(display_.get(), &event, isStateChange, reinterpret_cast<XPointer>(&wanted))) {
+          changed.insert(event.xproperty.window);
+        }
+        return std::ranges::all_of(asked, [&](Window window) {
+          return changed.contains(window) && display_.wmState(window) == IconicState;
+        });
+      },
       hideConfirmationTime);
 }
 

@@ -67,7 +67,6 @@ class X11Workspace final : public MacWorkspace {
 
   X11Display& display_;
   std::map<Window, ClientWindow> clients_;
-  std::optional<Window> activeWindow_;
   std::map<MacObserverToken, Observer> observers_;
   MacObserverToken nextToken_ = 1;
   int lockFd_ = -1;
