@@ -22,7 +22,10 @@ using TextLayout = std::unique_ptr<PangoLayout, LayoutDeleter>;
 TextLayout textLayout(cairo_t* cr, const MacHoldsShieldText& text) {
   const MacHoldsShieldTextStyle& style = text.style;
   TextLayout layout(pango_cairo_create_layout(cr));
-  PangoFontDescription* description = pango_font_description_from_string(style.face.families.c_str());
+  // The family list is set as it is: parsed as a description, its last
+  // words could read as style or size.
+  PangoFontDescription* description = pango_font_description_new();
+  pango_font_description_set_family(description, style.face.families.c_str());
   pango_font_description_set_weight(description, static_cast<PangoWeight>(style.face.weight));
   pango_font_description_set_absolute_size(description, style.pointSize * PANGO_SCALE);
   pango_layout_set_font_description(layout.get(), description);
