@@ -12,9 +12,7 @@ using ::testing::TestWithParam;
 
 TEST(MacHoldsEngine, StartsObservingAndTicksEveryFiveSeconds) {
   FakeAgent agent;
-  agent.now = istanbul("2026-11-23T10:00");
-  agent.writeSnapshot(examWeekJson());
-  auto delegate = agent.launch();
+  auto delegate = agent.launchAt("2026-11-23T10:00", examWeekJson());
 
   EXPECT_FALSE(agent.runLoop.hasExited());
   EXPECT_EQ(agent.workspace.observerCount(MacWorkspaceEvent::didLaunchApplication), 1u);
@@ -29,10 +27,8 @@ TEST(MacHoldsEngine, StartsObservingAndTicksEveryFiveSeconds) {
 
 TEST(MacHoldsEngine, SecondCopyExitsAtOnceWithoutObservingAnything) {
   FakeAgent agent;
-  agent.now = istanbul("2026-11-23T10:00");
-  agent.writeSnapshot(examWeekJson());
   agent.workspace.anotherAgent = true;
-  auto delegate = agent.launch();
+  auto delegate = agent.launchAt("2026-11-23T10:00", examWeekJson());
 
   EXPECT_EQ(agent.runLoop.status, kMacHoldsExitDone);
   EXPECT_TRUE(agent.runLoop.timers.empty());
@@ -119,11 +115,8 @@ INSTANTIATE_TEST_SUITE_P(Snapshots, MacHoldsEngineDecision, ::testing::ValuesIn(
 
 TEST(MacHoldsEngine, ReplacedExecutableStopsTheGuardAndExitsWith75) {
   FakeAgent agent;
-  agent.now = istanbul("2026-11-23T12:00");
-  agent.writeSnapshot(examWeekJson());
-  const pid_t discord = agent.workspace.launch("com.hnc.Discord", "Discord");
-  agent.workspace.front = discord;
-  auto delegate = agent.launch();
+  agent.workspace.launchInFront("com.hnc.Discord", "Discord");
+  auto delegate = agent.launchAt("2026-11-23T12:00", examWeekJson());
   ASSERT_TRUE(agent.shield->visible);
 
   agent.launchIdentity.identity = MacFileIdentity{1, 101};
@@ -137,9 +130,7 @@ TEST(MacHoldsEngine, ReplacedExecutableStopsTheGuardAndExitsWith75) {
 
 TEST(MacHoldsEngine, ExecutableThatCannotBeExaminedIsNotAReplacement) {
   FakeAgent agent;
-  agent.now = istanbul("2026-11-23T12:00");
-  agent.writeSnapshot(examWeekJson());
-  auto delegate = agent.launch();
+  auto delegate = agent.launchAt("2026-11-23T12:00", examWeekJson());
 
   agent.launchIdentity.identity.reset();  // an installer in the middle of copying
   agent.runLoop.tick();
@@ -154,12 +145,9 @@ TEST(MacHoldsEngine, ExecutableThatCannotBeExaminedIsNotAReplacement) {
 
 TEST(MacHoldsEngine, StandsByWhileTheMainAppRunsAndHoldsAtOnceWhenItQuits) {
   FakeAgent agent;
-  agent.now = istanbul("2026-11-23T12:00");
-  agent.writeSnapshot(examWeekJson());
   const pid_t kovi = agent.workspace.launch(std::string(kMacHoldsMainAppBundleID), "Kovi");
-  const pid_t discord = agent.workspace.launch("com.hnc.Discord", "Discord");
-  agent.workspace.front = discord;
-  auto delegate = agent.launch();
+  const pid_t discord = agent.workspace.launchInFront("com.hnc.Discord", "Discord");
+  auto delegate = agent.launchAt("2026-11-23T12:00", examWeekJson());
 
   for (int tick = 0; tick < 3; ++tick) agent.runLoop.tick();
   EXPECT_TRUE(agent.workspace.hidden.empty());
@@ -176,11 +164,8 @@ TEST(MacHoldsEngine, StandsByWhileTheMainAppRunsAndHoldsAtOnceWhenItQuits) {
 
 TEST(MacHoldsEngine, MainAppLaunchingMidHoldStopsTheGuardOnItsLaunchNotification) {
   FakeAgent agent;
-  agent.now = istanbul("2026-11-23T12:00");
-  agent.writeSnapshot(examWeekJson());
-  const pid_t discord = agent.workspace.launch("com.hnc.Discord", "Discord");
-  agent.workspace.front = discord;
-  auto delegate = agent.launch();
+  agent.workspace.launchInFront("com.hnc.Discord", "Discord");
+  auto delegate = agent.launchAt("2026-11-23T12:00", examWeekJson());
   ASSERT_TRUE(agent.shield->visible);
 
   agent.workspace.launch(std::string(kMacHoldsMainAppBundleID), "Kovi");
@@ -191,19 +176,15 @@ TEST(MacHoldsEngine, MainAppLaunchingMidHoldStopsTheGuardOnItsLaunchNotification
 
 TEST(MacHoldsEngine, TerminatedMainAppStillListedDoesNotKeepTheAgentStandingBy) {
   FakeAgent agent;
-  agent.now = istanbul("2026-11-23T12:00");
-  agent.writeSnapshot(examWeekJson());
   agent.workspace.applications.push_back(
       {77, std::string(kMacHoldsMainAppBundleID), "Kovi", MacActivationPolicy::regular, true});
-  auto delegate = agent.launch();
+  auto delegate = agent.launchAt("2026-11-23T12:00", examWeekJson());
   EXPECT_TRUE(delegate->engine()->guardian().plan());
 }
 
 TEST(MacHoldsEngine, RepeatedDecisionsAreLoggedOnceAndANewHoldAgain) {
   FakeAgent agent;
-  agent.now = istanbul("2026-11-23T10:00");
-  agent.writeSnapshot(examWeekJson());
-  auto delegate = agent.launch();
+  auto delegate = agent.launchAt("2026-11-23T10:00", examWeekJson());
   agent.runLoop.tick();
   agent.workspace.wake();
   EXPECT_EQ(agent.log.size(), 1u);
@@ -215,9 +196,7 @@ TEST(MacHoldsEngine, RepeatedDecisionsAreLoggedOnceAndANewHoldAgain) {
 
 TEST(MacHoldsEngine, ExitsAfterTheLastNightOfTheExamWeekEnds) {
   FakeAgent agent;
-  agent.now = istanbul("2026-11-27T06:59");
-  agent.writeSnapshot(examWeekJson());
-  auto delegate = agent.launch();
+  auto delegate = agent.launchAt("2026-11-27T06:59", examWeekJson());
   EXPECT_FALSE(agent.runLoop.hasExited());
 
   agent.now = istanbul("2026-11-27T07:00");
@@ -228,11 +207,7 @@ TEST(MacHoldsEngine, ExitsAfterTheLastNightOfTheExamWeekEnds) {
 
 TEST(MacHoldsEngine, CallbacksOfAGoneEngineDoNothing) {
   FakeAgent agent;
-  agent.now = istanbul("2026-11-23T10:00");
-  agent.writeSnapshot(examWeekJson());
-  {
-    auto delegate = agent.launch();
-  }
+  agent.launchAt("2026-11-23T10:00", examWeekJson());
   // The engine removed its observers and timer on the way out.
   EXPECT_TRUE(agent.runLoop.timers.empty());
   agent.workspace.wake();

@@ -16,6 +16,12 @@ pid_t FakeWorkspace::launch(std::string bundleIdentifier, std::string name, MacA
   return pid;
 }
 
+pid_t FakeWorkspace::launchInFront(std::string bundleIdentifier, std::string name) {
+  const pid_t pid = launch(std::move(bundleIdentifier), std::move(name));
+  front = pid;
+  return pid;
+}
+
 void FakeWorkspace::activate(pid_t pid) {
   front = pid;
   post(MacWorkspaceEvent::didActivateApplication, pid);
@@ -122,6 +128,12 @@ std::unique_ptr<MacHoldsAppDelegate> FakeAgent::launch() {
   auto delegate = std::make_unique<MacHoldsAppDelegate>(platform(), options());
   delegate->applicationDidFinishLaunching();
   return delegate;
+}
+
+std::unique_ptr<MacHoldsAppDelegate> FakeAgent::launchAt(const char* localTime, const std::string& json) {
+  now = istanbul(localTime);
+  writeSnapshot(json);
+  return launch();
 }
 
 std::string examWeekJson(bool keepCommunication, bool stopped, std::optional<std::string> allowance) {

@@ -31,6 +31,8 @@ class FakeWorkspace final : public MacWorkspace {
   // Adds a regular application and returns its process identifier.
   pid_t launch(std::string bundleIdentifier, std::string name,
                MacActivationPolicy policy = MacActivationPolicy::regular);
+  // An application that is already in front when the story begins (no notification).
+  pid_t launchInFront(std::string bundleIdentifier, std::string name);
   // Brings the application to the front and tells the observers.
   void activate(pid_t pid);
   void terminate(pid_t pid);
@@ -120,6 +122,8 @@ struct FakeAgent {
   void writeSnapshot(const std::string& json);
   // Starts the agent as the delegate does at launch.
   std::unique_ptr<MacHoldsAppDelegate> launch();
+  // Sets the clock, writes the snapshot and starts the agent.
+  std::unique_ptr<MacHoldsAppDelegate> launchAt(const char* localTime, const std::string& json);
 };
 
 // holds.json texts around the exam week 2026-11-20 to 2026-11-26 (study

@@ -107,8 +107,7 @@ INSTANTIATE_TEST_SUITE_P(Plans, MacHoldsGuardFront, ::testing::ValuesIn(kFrontCa
 
 TEST(MacHoldsGuard, HeldAppAlreadyInFrontIsHiddenWhenTheHoldStarts) {
   GuardFixture fixture;
-  const pid_t discord = fixture.agent.workspace.launch("com.hnc.Discord", "Discord");
-  fixture.agent.workspace.front = discord;
+  const pid_t discord = fixture.agent.workspace.launchInFront("com.hnc.Discord", "Discord");
   const MacHoldsDue due = MacHoldsDue::sleep(kStudyEnd);
   fixture.guardian->apply(due, planFor(due, false));
 
@@ -150,8 +149,7 @@ TEST(MacHoldsGuard, SparedAppHidesTheShieldAndSwitchingBackShowsItAgain) {
 
 TEST(MacHoldsGuard, RepeatedPlanDisturbsNothingAndAMovedPlanRechecksTheFront) {
   GuardFixture fixture;
-  const pid_t discord = fixture.agent.workspace.launch("com.hnc.Discord", "Discord");
-  fixture.agent.workspace.front = discord;
+  fixture.agent.workspace.launchInFront("com.hnc.Discord", "Discord");
   const MacHoldsDue due = MacHoldsDue::sleep(kStudyEnd);
   fixture.guardian->apply(due, planFor(due, false));
   ASSERT_EQ(fixture.agent.workspace.hidden.size(), 1u);
