@@ -57,6 +57,15 @@ void HoldsDesktopTest::SetUp() {
   std::filesystem::permissions(scratch.path() / "runtime", std::filesystem::perms::owner_all);
   snapshotFile = scratch.path() / "data" / "Kovi" / "Holds" / "holds.json";
   std::filesystem::create_directories(snapshotFile.parent_path());
+  // The agent's data directory is a scratch one, and fontconfig looks for the
+  // user's fonts in it: lend it this process's fonts, so the agent sets the
+  // shield in the same faces the tests measure it with.
+  const char* dataHome = std::getenv("XDG_DATA_HOME");
+  const std::filesystem::path fonts =
+      (dataHome != nullptr && dataHome[0] == '/' ? std::filesystem::path(dataHome)
+                                                 : std::filesystem::path(std::getenv("HOME")) / ".local" / "share") /
+      "fonts";
+  if (std::filesystem::exists(fonts)) std::filesystem::create_directory_symlink(fonts, scratch.path() / "data" / "fonts");
 }
 
 void HoldsDesktopTest::TearDown() {
