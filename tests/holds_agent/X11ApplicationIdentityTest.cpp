@@ -36,6 +36,8 @@ TEST(X11ApplicationIdentity, LinuxBuildsOfMacAppsCarryTheirMacIdentifiers) {
       // Everything else keeps its class as given.
       {{"gimp", "Gimp"}, "x11:Gimp", "Gimp"},
       {{"xterm", ""}, "x11:xterm", "xterm"},
+      // No class at all: no application.
+      {{"", ""}, "", ""},
   };
   for (const auto& entry : cases) {
     SCOPED_TRACE(entry.windowClass.instance + "/" + entry.windowClass.className);

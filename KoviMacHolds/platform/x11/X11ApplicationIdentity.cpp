@@ -70,6 +70,7 @@ X11ApplicationIdentity x11ApplicationIdentity(const X11WindowClass& windowClass)
     }
   }
   const std::string& shown = windowClass.className.empty() ? windowClass.instance : windowClass.className;
+  if (shown.empty()) return {};  // a window without WM_CLASS names no application
   return {"x11:" + shown, shown};
 }
 

@@ -21,6 +21,8 @@ struct X11ApplicationIdentity {
 // plan made for the Mac holds them here too. The desktop's own file manager,
 // panel and settings are "x11:" followed by their class in lower case; every
 // other application is "x11:" followed by its class as the window gives it.
+// A window without a class gets an empty identity: it is no application the
+// guard can judge.
 X11ApplicationIdentity x11ApplicationIdentity(const X11WindowClass& windowClass);
 
 // The identifiers of the desktop's own parts (file managers, panels, settings),

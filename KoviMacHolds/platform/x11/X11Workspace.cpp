@@ -153,8 +153,11 @@ std::optional<MacRunningApplication> X11Workspace::applicationOf(pid_t processId
     if (!application || (application->activationPolicy != MacActivationPolicy::regular &&
                          policy == MacActivationPolicy::regular)) {
       // One ordinary window makes the whole process an ordinary application.
-      application = MacRunningApplication{processIdentifier, client.identity.bundleIdentifier,
-                                          client.identity.displayName, policy, false};
+      auto identifier = client.identity.bundleIdentifier.empty()
+                            ? std::nullopt
+                            : std::optional<std::string>(client.identity.bundleIdentifier);
+      application = MacRunningApplication{processIdentifier, std::move(identifier), client.identity.displayName, policy,
+                                          false};
     }
   }
   return application;
