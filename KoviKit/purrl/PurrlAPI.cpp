@@ -15,13 +15,13 @@ struct DailySetTargets {
 }  // namespace purrl_api
 
 template <>
-struct PurrlRecordFields<purrl_api::CountdownList> {
-  static constexpr auto fields = std::tuple{purrlField("countdowns", &purrl_api::CountdownList::countdowns)};
+struct JsonRecordFields<purrl_api::CountdownList> : LenientJsonRecord {
+  static constexpr auto fields = std::tuple{field("countdowns", &purrl_api::CountdownList::countdowns)};
 };
 
 template <>
-struct PurrlRecordFields<purrl_api::DailySetTargets> {
-  static constexpr auto fields = std::tuple{purrlField("items", &purrl_api::DailySetTargets::items)};
+struct JsonRecordFields<purrl_api::DailySetTargets> : LenientJsonRecord {
+  static constexpr auto fields = std::tuple{field("items", &purrl_api::DailySetTargets::items)};
 };
 
 namespace {
@@ -50,7 +50,7 @@ PurrlAPI::Result<PurrlFocusDailySets> PurrlAPI::dailySets(std::optional<std::str
 
 PurrlAPI::Result<PurrlFocusDailySets> PurrlAPI::setDailySets(const std::vector<PurrlFocusDailySetTarget>& targets,
                                                              std::optional<std::string> token) {
-  const std::string body = purrlJson(purrl_api::DailySetTargets{targets}).dump();
+  const std::string body = encodeRecord(purrl_api::DailySetTargets{targets}).dump();
   return send<PurrlFocusDailySets>("focus/daily-sets", body, std::move(token));
 }
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/foundation/Time.h"
 #include "KoviKit/purrl/PurrlCatMood.h"
-#include "KoviKit/purrl/PurrlRecordCoding.h"
 
 namespace kovi {
 
@@ -88,70 +88,70 @@ struct PurrlCatState {
 };
 
 template <>
-struct PurrlRecordFields<PurrlCatGrowthTrick::Source> {
+struct JsonRecordFields<PurrlCatGrowthTrick::Source> : LenientJsonRecord {
   using R = PurrlCatGrowthTrick::Source;
   static constexpr auto fields =
-      std::tuple{purrlField("kind", &R::kind), purrlField("stage", &R::stage), purrlField("rule", &R::rule)};
+      std::tuple{field("kind", &R::kind), field("stage", &R::stage), field("rule", &R::rule)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlCatGrowthTrick> {
+struct JsonRecordFields<PurrlCatGrowthTrick> : LenientJsonRecord {
   using R = PurrlCatGrowthTrick;
-  static constexpr auto fields = std::tuple{purrlField("id", &R::id), purrlField("learned", &R::learned),
-                                            purrlField("learnedAt", &R::learnedAt), purrlField("source", &R::source)};
+  static constexpr auto fields = std::tuple{field("id", &R::id), field("learned", &R::learned),
+                                            field("learnedAt", &R::learnedAt), field("source", &R::source)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlCatGrowthReward> {
+struct JsonRecordFields<PurrlCatGrowthReward> : LenientJsonRecord {
   using R = PurrlCatGrowthReward;
-  static constexpr auto fields = std::tuple{purrlField("id", &R::id), purrlField("kind", &R::kind),
-                                            purrlField("ref", &R::ref), purrlField("earnedAt", &R::earnedAt)};
+  static constexpr auto fields = std::tuple{field("id", &R::id), field("kind", &R::kind),
+                                            field("ref", &R::ref), field("earnedAt", &R::earnedAt)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlCatGrowth::Next> {
+struct JsonRecordFields<PurrlCatGrowth::Next> : LenientJsonRecord {
   using R = PurrlCatGrowth::Next;
-  static constexpr auto fields = std::tuple{purrlField("level", &R::level), purrlField("stage", &R::stage),
-                                            purrlField("days", &R::days),
-                                            purrlField("needsKeptKovi", &R::needsKeptKovi)};
+  static constexpr auto fields = std::tuple{field("level", &R::level), field("stage", &R::stage),
+                                            field("days", &R::days),
+                                            field("needsKeptKovi", &R::needsKeptKovi)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlCatGrowth::Cards::Gift> {
+struct JsonRecordFields<PurrlCatGrowth::Cards::Gift> : LenientJsonRecord {
   using R = PurrlCatGrowth::Cards::Gift;
   static constexpr auto fields =
-      std::tuple{purrlField("at", &R::at), purrlField("item", &R::item), purrlField("earned", &R::earned)};
+      std::tuple{field("at", &R::at), field("item", &R::item), field("earned", &R::earned)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlCatGrowth::Cards> {
+struct JsonRecordFields<PurrlCatGrowth::Cards> : LenientJsonRecord {
   using R = PurrlCatGrowth::Cards;
-  static constexpr auto fields = std::tuple{purrlField("found", &R::found), purrlField("gift", &R::gift)};
+  static constexpr auto fields = std::tuple{field("found", &R::found), field("gift", &R::gift)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlCatGrowth> {
+struct JsonRecordFields<PurrlCatGrowth> : LenientJsonRecord {
   using R = PurrlCatGrowth;
   static constexpr auto fields =
-      std::tuple{purrlField("level", &R::level),   purrlField("stage", &R::stage),
-                 purrlField("daysTogether", &R::daysTogether), purrlField("next", &R::next),
-                 purrlField("tricks", &R::tricks), purrlField("rewards", &R::rewards),
-                 purrlField("cards", &R::cards)};
+      std::tuple{field("level", &R::level),   field("stage", &R::stage),
+                 field("daysTogether", &R::daysTogether), field("next", &R::next),
+                 field("tricks", &R::tricks), field("rewards", &R::rewards),
+                 field("cards", &R::cards)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlCatGrowthPerson> {
+struct JsonRecordFields<PurrlCatGrowthPerson> : LenientJsonRecord {
   using R = PurrlCatGrowthPerson;
   static constexpr auto fields =
-      std::tuple{purrlField("level", &R::level), purrlField("stage", &R::stage), purrlField("tricks", &R::tricks)};
+      std::tuple{field("level", &R::level), field("stage", &R::stage), field("tricks", &R::tricks)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlCatState> {
+struct JsonRecordFields<PurrlCatState> : LenientJsonRecord {
   using R = PurrlCatState;
   static constexpr auto fields =
-      std::tuple{purrlField("name", &R::name), purrlField("mood", &R::mood), purrlField("reason", &R::reason),
-                 purrlField("petted", &R::petted), purrlField("growth", &R::growth)};
+      std::tuple{field("name", &R::name), field("mood", &R::mood), field("reason", &R::reason),
+                 field("petted", &R::petted), field("growth", &R::growth)};
 };
 
 }  // namespace kovi

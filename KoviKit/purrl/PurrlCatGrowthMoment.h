@@ -6,8 +6,8 @@
 #include <variant>
 #include <vector>
 
+#include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/purrl/PurrlCatGrowth.h"
-#include "KoviKit/purrl/PurrlRecordCoding.h"
 
 namespace kovi {
 
@@ -56,12 +56,12 @@ struct PurrlCatGrowthMoment {
 };
 
 template <>
-struct PurrlRecordFields<PurrlCatGrowthMoment> {
+struct JsonRecordFields<PurrlCatGrowthMoment> : LenientJsonRecord {
   using R = PurrlCatGrowthMoment;
   static constexpr auto fields =
-      std::tuple{purrlField("fromLevel", &R::fromLevel), purrlField("toLevel", &R::toLevel),
-                 purrlField("tricks", &R::tricks),       purrlField("items", &R::items),
-                 purrlField("rewardIDs", &R::rewardIDs), purrlField("daysTogether", &R::daysTogether)};
+      std::tuple{field("fromLevel", &R::fromLevel), field("toLevel", &R::toLevel),
+                 field("tricks", &R::tricks),       field("items", &R::items),
+                 field("rewardIDs", &R::rewardIDs), field("daysTogether", &R::daysTogether)};
 };
 
 }  // namespace kovi

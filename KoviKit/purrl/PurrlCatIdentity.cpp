@@ -93,7 +93,7 @@ std::optional<PurrlCatMoodSnapshot> moodSnapshot(const KeyValueStore& store) {
 }
 
 Result writeMoodSnapshot(KeyValueStore& store, const PurrlCatMoodSnapshot& snapshot) {
-  return store.setValue(moodKey, purrlJson(snapshot).dump());
+  return store.setValue(moodKey, encodeRecord(snapshot).dump());
 }
 
 PurrlCatMoodSnapshot snapshotOf(PurrlCatMoodResult mood, Date now, const Calendar& calendar) {

@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "KoviKit/foundation/Json.h"
+#include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/foundation/Time.h"
-#include "KoviKit/purrl/PurrlRecordCoding.h"
 
 namespace kovi {
 
@@ -72,12 +72,12 @@ struct PurrlCatMoodSnapshot {
 };
 
 template <>
-struct PurrlRecordFields<PurrlCatMoodSnapshot> {
+struct JsonRecordFields<PurrlCatMoodSnapshot> : LenientJsonRecord {
   static constexpr auto fields = std::tuple{
-      purrlField("mood", &PurrlCatMoodSnapshot::mood),
-      purrlField("reason", &PurrlCatMoodSnapshot::reason),
-      purrlField("day", &PurrlCatMoodSnapshot::day),
-      purrlField("updatedAt", &PurrlCatMoodSnapshot::updatedAt),
+      field("mood", &PurrlCatMoodSnapshot::mood),
+      field("reason", &PurrlCatMoodSnapshot::reason),
+      field("day", &PurrlCatMoodSnapshot::day),
+      field("updatedAt", &PurrlCatMoodSnapshot::updatedAt),
   };
 };
 

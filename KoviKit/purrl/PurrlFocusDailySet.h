@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/purrl/PurrlFocusSubject.h"
-#include "KoviKit/purrl/PurrlRecordCoding.h"
 
 namespace kovi {
 
@@ -45,25 +45,25 @@ struct PurrlFocusDailySets {
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusDailySetTarget> {
+struct JsonRecordFields<PurrlFocusDailySetTarget> : LenientJsonRecord {
   using R = PurrlFocusDailySetTarget;
   static constexpr auto fields =
-      std::tuple{purrlField("subject", &R::subject), purrlField("label", &R::label), purrlField("target", &R::target)};
+      std::tuple{field("subject", &R::subject), field("label", &R::label), field("target", &R::target)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusDailySet> {
+struct JsonRecordFields<PurrlFocusDailySet> : LenientJsonRecord {
   using R = PurrlFocusDailySet;
   static constexpr auto fields =
-      std::tuple{purrlField("subject", &R::subject), purrlField("label", &R::label), purrlField("target", &R::target),
-                 purrlField("done", &R::done), purrlField("kept", &R::kept)};
+      std::tuple{field("subject", &R::subject), field("label", &R::label), field("target", &R::target),
+                 field("done", &R::done), field("kept", &R::kept)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusDailySets> {
+struct JsonRecordFields<PurrlFocusDailySets> : LenientJsonRecord {
   using R = PurrlFocusDailySets;
   static constexpr auto fields =
-      std::tuple{purrlField("day", &R::day), purrlField("items", &R::items), purrlField("kept", &R::kept)};
+      std::tuple{field("day", &R::day), field("items", &R::items), field("kept", &R::kept)};
 };
 
 }  // namespace kovi

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "KoviKit/foundation/Calendar.h"
+#include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/purrl/PurrlFocusSubject.h"
-#include "KoviKit/purrl/PurrlRecordCoding.h"
 
 namespace kovi {
 
@@ -20,10 +20,10 @@ struct PurrlFocusExamCountdown {
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusExamCountdown> {
+struct JsonRecordFields<PurrlFocusExamCountdown> : LenientJsonRecord {
   using R = PurrlFocusExamCountdown;
-  static constexpr auto fields = std::tuple{purrlField("exam", &R::exam), purrlField("label", &R::label),
-                                            purrlField("day", &R::day), purrlField("daysLeft", &R::daysLeft)};
+  static constexpr auto fields = std::tuple{field("exam", &R::exam), field("label", &R::label),
+                                            field("day", &R::day), field("daysLeft", &R::daysLeft)};
 };
 
 // Whole calendar days from `today` until `examDay`, as the countdown shows

@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
+#include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/foundation/Time.h"
 #include "KoviKit/purrl/PurrlFocusMockExam.h"
 #include "KoviKit/purrl/PurrlFocusStudyStats.h"
-#include "KoviKit/purrl/PurrlRecordCoding.h"
 
 namespace kovi {
 
@@ -89,49 +89,49 @@ struct PurrlFocusMockNext : PurrlFocusMockDate {
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusMockPlan> {
+struct JsonRecordFields<PurrlFocusMockPlan> : LenientJsonRecord {
   using R = PurrlFocusMockPlan;
   static constexpr auto fields =
-      std::tuple{purrlField("id", &R::id),         purrlField("exam", &R::exam), purrlField("label", &R::label),
-                 purrlField("repeat", &R::repeat), purrlField("day", &R::day),   purrlField("minute", &R::minute)};
+      std::tuple{field("id", &R::id),         field("exam", &R::exam), field("label", &R::label),
+                 field("repeat", &R::repeat), field("day", &R::day),   field("minute", &R::minute)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusMockDate> {
+struct JsonRecordFields<PurrlFocusMockDate> : LenientJsonRecord {
   using R = PurrlFocusMockDate;
   static constexpr auto fields =
-      std::tuple{purrlField("planId", &R::planId), purrlField("exam", &R::exam), purrlField("label", &R::label),
-                 purrlField("day", &R::day),       purrlField("minute", &R::minute), purrlField("at", &R::at)};
+      std::tuple{field("planId", &R::planId), field("exam", &R::exam), field("label", &R::label),
+                 field("day", &R::day),       field("minute", &R::minute), field("at", &R::at)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusMockPastDate> {
+struct JsonRecordFields<PurrlFocusMockPastDate> : LenientJsonRecord {
   using R = PurrlFocusMockPastDate;
   static constexpr auto fields = std::tuple_cat(
-      PurrlRecordFields<PurrlFocusMockDate>::fields,
-      std::tuple{purrlField("runId", &R::runId), purrlField("net", &R::net)});
+      JsonRecordFields<PurrlFocusMockDate>::fields,
+      std::tuple{field("runId", &R::runId), field("net", &R::net)});
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusMockFriendDay> {
+struct JsonRecordFields<PurrlFocusMockFriendDay> : LenientJsonRecord {
   using R = PurrlFocusMockFriendDay;
   static constexpr auto fields =
-      std::tuple{purrlField("day", &R::day), purrlField("exam", &R::exam), purrlField("people", &R::people)};
+      std::tuple{field("day", &R::day), field("exam", &R::exam), field("people", &R::people)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusMockCalendar> {
+struct JsonRecordFields<PurrlFocusMockCalendar> : LenientJsonRecord {
   using R = PurrlFocusMockCalendar;
   static constexpr auto fields =
-      std::tuple{purrlField("now", &R::now), purrlField("plans", &R::plans), purrlField("upcoming", &R::upcoming),
-                 purrlField("past", &R::past), purrlField("friends", &R::friends)};
+      std::tuple{field("now", &R::now), field("plans", &R::plans), field("upcoming", &R::upcoming),
+                 field("past", &R::past), field("friends", &R::friends)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusMockNext> {
+struct JsonRecordFields<PurrlFocusMockNext> : LenientJsonRecord {
   using R = PurrlFocusMockNext;
   static constexpr auto fields =
-      std::tuple_cat(PurrlRecordFields<PurrlFocusMockDate>::fields, std::tuple{purrlField("started", &R::started)});
+      std::tuple_cat(JsonRecordFields<PurrlFocusMockDate>::fields, std::tuple{field("started", &R::started)});
 };
 
 }  // namespace kovi

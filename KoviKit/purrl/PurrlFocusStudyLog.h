@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/purrl/PurrlFocusMockExam.h"
-#include "KoviKit/purrl/PurrlRecordCoding.h"
 
 namespace kovi {
 
@@ -46,26 +46,26 @@ struct PurrlFocusStudyLog {
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusMockSection> {
+struct JsonRecordFields<PurrlFocusMockSection> : LenientJsonRecord {
   using R = PurrlFocusMockSection;
-  static constexpr auto fields = std::tuple{purrlField("id", &R::id), purrlField("correct", &R::correct),
-                                            purrlField("wrong", &R::wrong), purrlField("blank", &R::blank),
-                                            purrlField("net", &R::net)};
+  static constexpr auto fields = std::tuple{field("id", &R::id), field("correct", &R::correct),
+                                            field("wrong", &R::wrong), field("blank", &R::blank),
+                                            field("net", &R::net)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyLog::Result> {
+struct JsonRecordFields<PurrlFocusStudyLog::Result> : LenientJsonRecord {
   using R = PurrlFocusStudyLog::Result;
-  static constexpr auto fields = std::tuple{purrlField("sections", &R::sections), purrlField("net", &R::net)};
+  static constexpr auto fields = std::tuple{field("sections", &R::sections), field("net", &R::net)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyLog> {
+struct JsonRecordFields<PurrlFocusStudyLog> : LenientJsonRecord {
   using R = PurrlFocusStudyLog;
   static constexpr auto fields =
-      std::tuple{purrlField("subject", &R::subject), purrlField("label", &R::label),
-                 purrlField("questions", &R::questions), purrlField("exam", &R::exam),
-                 purrlField("result", &R::result)};
+      std::tuple{field("subject", &R::subject), field("label", &R::label),
+                 field("questions", &R::questions), field("exam", &R::exam),
+                 field("result", &R::result)};
 };
 
 }  // namespace kovi

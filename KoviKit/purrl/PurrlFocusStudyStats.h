@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
+#include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/foundation/Time.h"
 #include "KoviKit/purrl/PurrlFocusMockExam.h"
 #include "KoviKit/purrl/PurrlFocusStudyLog.h"
 #include "KoviKit/purrl/PurrlFocusSubject.h"
-#include "KoviKit/purrl/PurrlRecordCoding.h"
 
 namespace kovi {
 
@@ -104,79 +104,79 @@ struct PurrlFocusStudyStats {
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyStats::Today> {
+struct JsonRecordFields<PurrlFocusStudyStats::Today> : LenientJsonRecord {
   using R = PurrlFocusStudyStats::Today;
   static constexpr auto fields =
-      std::tuple{purrlField("day", &R::day), purrlField("minutes", &R::minutes), purrlField("questions", &R::questions)};
+      std::tuple{field("day", &R::day), field("minutes", &R::minutes), field("questions", &R::questions)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyStats::SubjectWeek> {
+struct JsonRecordFields<PurrlFocusStudyStats::SubjectWeek> : LenientJsonRecord {
   using R = PurrlFocusStudyStats::SubjectWeek;
   static constexpr auto fields =
-      std::tuple{purrlField("subject", &R::subject), purrlField("label", &R::label), purrlField("exam", &R::exam),
-                 purrlField("minutes", &R::minutes), purrlField("questions", &R::questions), purrlField("runs", &R::runs)};
+      std::tuple{field("subject", &R::subject), field("label", &R::label), field("exam", &R::exam),
+                 field("minutes", &R::minutes), field("questions", &R::questions), field("runs", &R::runs)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyStats::Week> {
+struct JsonRecordFields<PurrlFocusStudyStats::Week> : LenientJsonRecord {
   using R = PurrlFocusStudyStats::Week;
   static constexpr auto fields =
-      std::tuple{purrlField("start", &R::start), purrlField("end", &R::end), purrlField("minutes", &R::minutes),
-                 purrlField("questions", &R::questions), purrlField("subjects", &R::subjects)};
+      std::tuple{field("start", &R::start), field("end", &R::end), field("minutes", &R::minutes),
+                 field("questions", &R::questions), field("subjects", &R::subjects)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyStats::HeatDay> {
+struct JsonRecordFields<PurrlFocusStudyStats::HeatDay> : LenientJsonRecord {
   using R = PurrlFocusStudyStats::HeatDay;
   static constexpr auto fields =
-      std::tuple{purrlField("day", &R::day), purrlField("minutes", &R::minutes), purrlField("questions", &R::questions)};
+      std::tuple{field("day", &R::day), field("minutes", &R::minutes), field("questions", &R::questions)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyStats::Heat> {
+struct JsonRecordFields<PurrlFocusStudyStats::Heat> : LenientJsonRecord {
   using R = PurrlFocusStudyStats::Heat;
   static constexpr auto fields =
-      std::tuple{purrlField("from", &R::from), purrlField("to", &R::to), purrlField("days", &R::days)};
+      std::tuple{field("from", &R::from), field("to", &R::to), field("days", &R::days)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyStats::Mock> {
+struct JsonRecordFields<PurrlFocusStudyStats::Mock> : LenientJsonRecord {
   using R = PurrlFocusStudyStats::Mock;
   static constexpr auto fields =
-      std::tuple{purrlField("runId", &R::runId),         purrlField("exam", &R::exam),
-                 purrlField("day", &R::day),             purrlField("startedAt", &R::startedAt),
-                 purrlField("endedAt", &R::endedAt),     purrlField("endReason", &R::endReason),
-                 purrlField("result", &R::result)};
+      std::tuple{field("runId", &R::runId),         field("exam", &R::exam),
+                 field("day", &R::day),             field("startedAt", &R::startedAt),
+                 field("endedAt", &R::endedAt),     field("endReason", &R::endReason),
+                 field("result", &R::result)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyStats::Friend> {
+struct JsonRecordFields<PurrlFocusStudyStats::Friend> : LenientJsonRecord {
   using R = PurrlFocusStudyStats::Friend;
-  static constexpr auto fields = std::tuple{purrlField("id", &R::id), purrlField("name", &R::name)};
+  static constexpr auto fields = std::tuple{field("id", &R::id), field("name", &R::name)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyStats::Exam> {
+struct JsonRecordFields<PurrlFocusStudyStats::Exam> : LenientJsonRecord {
   using R = PurrlFocusStudyStats::Exam;
   static constexpr auto fields =
-      std::tuple{purrlField("exam", &R::exam), purrlField("label", &R::label), purrlField("day", &R::day),
-                 purrlField("daysLeft", &R::daysLeft), purrlField("friends", &R::friends)};
+      std::tuple{field("exam", &R::exam), field("label", &R::label), field("day", &R::day),
+                 field("daysLeft", &R::daysLeft), field("friends", &R::friends)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyStats::ExamWeek> {
+struct JsonRecordFields<PurrlFocusStudyStats::ExamWeek> : LenientJsonRecord {
   using R = PurrlFocusStudyStats::ExamWeek;
-  static constexpr auto fields = std::tuple{purrlField("startDay", &R::startDay), purrlField("endDay", &R::endDay)};
+  static constexpr auto fields = std::tuple{field("startDay", &R::startDay), field("endDay", &R::endDay)};
 };
 
 template <>
-struct PurrlRecordFields<PurrlFocusStudyStats> {
+struct JsonRecordFields<PurrlFocusStudyStats> : LenientJsonRecord {
   using R = PurrlFocusStudyStats;
   static constexpr auto fields =
-      std::tuple{purrlField("now", &R::now),     purrlField("today", &R::today), purrlField("week", &R::week),
-                 purrlField("heat", &R::heat),   purrlField("mocks", &R::mocks), purrlField("exam", &R::exam),
-                 purrlField("examWeek", &R::examWeek)};
+      std::tuple{field("now", &R::now),     field("today", &R::today), field("week", &R::week),
+                 field("heat", &R::heat),   field("mocks", &R::mocks), field("exam", &R::exam),
+                 field("examWeek", &R::examWeek)};
 };
 
 }  // namespace kovi

@@ -1,37 +1,35 @@
 #include "KoviKit/working/WorkingJudgementCoding.h"
 
-#include "KoviKit/working/WorkingRecordCoding.h"
+#include "KoviKit/foundation/JsonRecordCoding.h"
 
 namespace kovi {
-namespace workingcoding {
 
 template <>
-struct RecordFields<WorkingWorkSegment> {
+struct JsonRecordFields<WorkingWorkSegment> : StrictJsonRecord {
   static constexpr auto fields =
       std::tuple{field("start", &WorkingWorkSegment::start), field("end", &WorkingWorkSegment::end)};
 };
 
 template <>
-struct RecordFields<WorkingSessionWork> {
+struct JsonRecordFields<WorkingSessionWork> : StrictJsonRecord {
   static constexpr auto fields =
       std::tuple{field("id", &WorkingSessionWork::id), field("segments", &WorkingSessionWork::segments)};
 };
 
 template <>
-struct RecordFields<WorkingPeriodProgress> {
+struct JsonRecordFields<WorkingPeriodProgress> : StrictJsonRecord {
   static constexpr auto fields = std::tuple{field("id", &WorkingPeriodProgress::id),
                                             field("countedMilliseconds", &WorkingPeriodProgress::countedMilliseconds),
                                             field("met", &WorkingPeriodProgress::met)};
 };
 
 template <>
-struct RecordFields<WorkingSettlement> {
+struct JsonRecordFields<WorkingSettlement> : StrictJsonRecord {
   static constexpr auto fields = std::tuple{field("kind", &WorkingSettlement::kind),
                                             field("fallbackUsed", &WorkingSettlement::fallbackUsed),
                                             field("carriedBps", &WorkingSettlement::carriedBps)};
 };
 
-}  // namespace workingcoding
 
 namespace {
 
@@ -58,7 +56,6 @@ Decoded<WorkingMemberWork> decodeMember(const JsonView& json) {
 }
 
 nlohmann::ordered_json encodeMember(const WorkingMemberJudgement& member) {
-  using workingcoding::encodeValue;
   const WorkingMemberProgress& progress = member.progress;
   nlohmann::ordered_json object = nlohmann::ordered_json::object();
   object["accountID"] = member.accountID;
@@ -100,7 +97,7 @@ Decoded<std::vector<WorkingMemberWork>> decodeWorkingWork(std::string_view text)
 
 nlohmann::ordered_json encodeWorkingJudgement(const WorkingJudgement& judgement) {
   nlohmann::ordered_json object = nlohmann::ordered_json::object();
-  object["settlement"] = workingcoding::encodeRecord(judgement.settlement);
+  object["settlement"] = encodeRecord(judgement.settlement);
   nlohmann::ordered_json members = nlohmann::ordered_json::array();
   for (const WorkingMemberJudgement& member : judgement.members) members.push_back(encodeMember(member));
   object["members"] = std::move(members);

@@ -1,16 +1,15 @@
 // JSON decoding and encoding of WorkingRules: the key lists below fix both the
 // typed decoding and the encoded key order.
-#include "KoviKit/working/WorkingRecordCoding.h"
+#include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/working/WorkingRuleShape.h"
 #include "KoviKit/working/WorkingRules.h"
 
 namespace kovi {
-namespace workingcoding {
 
 using Rules = WorkingRules;
 
 template <>
-struct RecordFields<Rules::Goal> {
+struct JsonRecordFields<Rules::Goal> : StrictJsonRecord {
   static constexpr auto fields = std::tuple{
       field("kind", &Rules::Goal::kind), field("dailyTargetSeconds", &Rules::Goal::dailyTargetSeconds),
       field("totalTargetSeconds", &Rules::Goal::totalTargetSeconds),
@@ -18,7 +17,7 @@ struct RecordFields<Rules::Goal> {
 };
 
 template <>
-struct RecordFields<Rules::Race> {
+struct JsonRecordFields<Rules::Race> : StrictJsonRecord {
   static constexpr auto fields =
       std::tuple{field("kind", &Rules::Race::kind),
                  field("minimumEligibilitySeconds", &Rules::Race::minimumEligibilitySeconds),
@@ -28,13 +27,13 @@ struct RecordFields<Rules::Race> {
 };
 
 template <>
-struct RecordFields<Rules::DayWindow> {
+struct JsonRecordFields<Rules::DayWindow> : StrictJsonRecord {
   static constexpr auto fields = std::tuple{field("id", &Rules::DayWindow::id), field("start", &Rules::DayWindow::start),
                                             field("end", &Rules::DayWindow::end)};
 };
 
 template <>
-struct RecordFields<Rules::ScheduleWindow> {
+struct JsonRecordFields<Rules::ScheduleWindow> : StrictJsonRecord {
   static constexpr auto fields =
       std::tuple{field("id", &Rules::ScheduleWindow::id), field("start", &Rules::ScheduleWindow::start),
                  field("end", &Rules::ScheduleWindow::end),
@@ -42,7 +41,7 @@ struct RecordFields<Rules::ScheduleWindow> {
 };
 
 template <>
-struct RecordFields<Rules::CalendarPolicy> {
+struct JsonRecordFields<Rules::CalendarPolicy> : StrictJsonRecord {
   using C = Rules::CalendarPolicy;
   static constexpr auto fields = std::tuple{
       field("timezone", &C::timezone),           field("dayBoundary", &C::dayBoundary),
@@ -53,13 +52,13 @@ struct RecordFields<Rules::CalendarPolicy> {
 };
 
 template <>
-struct RecordFields<Rules::Pomodoro> {
+struct JsonRecordFields<Rules::Pomodoro> : StrictJsonRecord {
   static constexpr auto fields = std::tuple{field("workSeconds", &Rules::Pomodoro::workSeconds),
                                             field("breakSeconds", &Rules::Pomodoro::breakSeconds)};
 };
 
 template <>
-struct RecordFields<Rules::Session> {
+struct JsonRecordFields<Rules::Session> : StrictJsonRecord {
   using S = Rules::Session;
   static constexpr auto fields = std::tuple{field("fragmentation", &S::fragmentation),
                                             field("minimumSeconds", &S::minimumSeconds),
@@ -78,7 +77,7 @@ struct RecordFields<Rules::Session> {
 };
 
 template <>
-struct RecordFields<Rules::Passive> {
+struct JsonRecordFields<Rules::Passive> : StrictJsonRecord {
   using P = Rules::Passive;
   static constexpr auto fields =
       std::tuple{field("allowed", &P::allowed), field("idleThresholdSeconds", &P::idleThresholdSeconds),
@@ -86,7 +85,7 @@ struct RecordFields<Rules::Passive> {
 };
 
 template <>
-struct RecordFields<Rules::Verification> {
+struct JsonRecordFields<Rules::Verification> : StrictJsonRecord {
   using V = Rules::Verification;
   static constexpr auto fields = std::tuple{field("strictness", &V::strictness),
                                             field("macRequired", &V::macRequired),
@@ -103,7 +102,7 @@ struct RecordFields<Rules::Verification> {
 };
 
 template <>
-struct RecordFields<Rules::Breaks> {
+struct JsonRecordFields<Rules::Breaks> : StrictJsonRecord {
   using B = Rules::Breaks;
   static constexpr auto fields = std::tuple{field("manualAllowed", &B::manualAllowed),
                                             field("protection", &B::protection),
@@ -114,19 +113,19 @@ struct RecordFields<Rules::Breaks> {
 };
 
 template <>
-struct RecordFields<Rules::Selection> {
+struct JsonRecordFields<Rules::Selection> : StrictJsonRecord {
   static constexpr auto fields =
       std::tuple{field("mode", &Rules::Selection::mode), field("required", &Rules::Selection::required)};
 };
 
 template <>
-struct RecordFields<Rules::DeviceBlocking> {
+struct JsonRecordFields<Rules::DeviceBlocking> : StrictJsonRecord {
   static constexpr auto fields = std::tuple{field("apps", &Rules::DeviceBlocking::apps),
                                             field("websites", &Rules::DeviceBlocking::websites)};
 };
 
 template <>
-struct RecordFields<Rules::Bypass> {
+struct JsonRecordFields<Rules::Bypass> : StrictJsonRecord {
   using B = Rules::Bypass;
   static constexpr auto fields = std::tuple{field("mode", &B::mode),
                                             field("usesPerSession", &B::usesPerSession),
@@ -137,7 +136,7 @@ struct RecordFields<Rules::Bypass> {
 };
 
 template <>
-struct RecordFields<Rules::Blocking> {
+struct JsonRecordFields<Rules::Blocking> : StrictJsonRecord {
   using B = Rules::Blocking;
   static constexpr auto fields =
       std::tuple{field("mac", &B::mac),
@@ -149,7 +148,7 @@ struct RecordFields<Rules::Blocking> {
 };
 
 template <>
-struct RecordFields<Rules::Privacy> {
+struct JsonRecordFields<Rules::Privacy> : StrictJsonRecord {
   using P = Rules::Privacy;
   static constexpr auto fields = std::tuple{field("presence", &P::presence),
                                             field("exactDuration", &P::exactDuration),
@@ -159,7 +158,7 @@ struct RecordFields<Rules::Privacy> {
 };
 
 template <>
-struct RecordFields<Rules::Economics> {
+struct JsonRecordFields<Rules::Economics> : StrictJsonRecord {
   using E = Rules::Economics;
   static constexpr auto fields = std::tuple{field("funding", &E::funding),
                                             field("contributionAtomic", &E::contributionAtomic),
@@ -172,7 +171,7 @@ struct RecordFields<Rules::Economics> {
 };
 
 template <>
-struct RecordFields<Rules> {
+struct JsonRecordFields<Rules> : StrictJsonRecord {
   static constexpr auto fields =
       std::tuple{field("version", &Rules::version),           field("preset", &Rules::preset),
                  field("category", &Rules::category),         field("goal", &Rules::goal),
@@ -182,7 +181,6 @@ struct RecordFields<Rules> {
                  field("privacy", &Rules::privacy),           field("economics", &Rules::economics)};
 };
 
-}  // namespace workingcoding
 
 namespace {
 
@@ -201,7 +199,7 @@ std::expected<WorkingRules, StageFailure> decodeStages(const JsonView& view) {
   if (auto shape = WorkingRuleShape::check(view.json()); !shape) {
     return std::unexpected(StageFailure{Failure::Stage::shape, DecodeError{"", std::move(shape.error())}});
   }
-  auto rules = workingcoding::decodeRecord<WorkingRules>(view);
+  auto rules = decodeRecord<WorkingRules>(view);
   if (!rules) return std::unexpected(StageFailure{Failure::Stage::decoding, std::move(rules.error())});
   if (auto valid = rules->validate(); !valid) {
     return std::unexpected(StageFailure{Failure::Stage::validation, DecodeError{"", std::move(valid.error().reason)}});
@@ -232,7 +230,7 @@ Decoded<WorkingRules> JsonDecoder<WorkingRules>::decode(const JsonView& json) {
   return std::move(*rules);
 }
 
-nlohmann::ordered_json encodeWorkingRules(const WorkingRules& rules) { return workingcoding::encodeRecord(rules); }
+nlohmann::ordered_json encodeWorkingRules(const WorkingRules& rules) { return encodeRecord(rules); }
 
 std::string encodeWorkingRulesText(const WorkingRules& rules) { return encodeWorkingRules(rules).dump(); }
 

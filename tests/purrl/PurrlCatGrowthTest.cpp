@@ -31,7 +31,7 @@ TEST(PurrlCatGrowthCodingTest, DecodesAndEncodesInDeclaredOrderOmittingAbsentOpt
   ASSERT_TRUE(growth->cards.gift.has_value());
   EXPECT_EQ(growth->cards.gift->item, "silver_chain");
 
-  const std::string encoded = purrlJson(*growth).dump();
+  const std::string encoded = encodeRecord(*growth).dump();
   EXPECT_EQ(encoded,
             R"({"level":1,"stage":"young","daysTogether":12,)"
             R"("next":{"level":2,"stage":"grown","days":30,"needsKeptKovi":true},)"
@@ -84,7 +84,7 @@ TEST(PurrlCatStateTest, NullOptionalsReadAsAbsent) {
       decodeJsonText<PurrlCatState>(R"({"name":null,"mood":"sulky","reason":"missed_kovi","petted":false,"growth":null})");
   ASSERT_TRUE(state.has_value()) << state.error().message();
   EXPECT_EQ(*state, (PurrlCatState{std::nullopt, PurrlCatMood::sulky, PurrlCatMoodReason::missedKovi, false, {}}));
-  EXPECT_EQ(purrlJson(*state).dump(), R"({"mood":"sulky","reason":"missed_kovi","petted":false})");
+  EXPECT_EQ(encodeRecord(*state).dump(), R"({"mood":"sulky","reason":"missed_kovi","petted":false})");
 }
 
 struct ShowableCase {
@@ -136,7 +136,7 @@ TEST_P(PurrlCatGrowthMomentTest, CelebratesEachNewShowableRewardOnce) {
   const auto moment = PurrlCatGrowthMoment::seenAfter(c.seen, growthWith(c.rewards));
   ASSERT_EQ(moment.has_value(), c.moment.has_value());
   if (!moment) return;
-  EXPECT_EQ(purrlJson(*moment).dump(), purrlJson(*c.moment).dump());
+  EXPECT_EQ(encodeRecord(*moment).dump(), encodeRecord(*c.moment).dump());
   EXPECT_EQ(moment->lead(), c.lead);
   EXPECT_EQ(moment->furtherTricks(), c.furtherTricks);
 

@@ -67,7 +67,7 @@ TEST(PurrlMockNextCodingTest, CarriesTheDateFieldsThenStarted) {
   ASSERT_TRUE(next.has_value()) << next.error().message();
   EXPECT_EQ(next->exam, PurrlFocusMockExam::lgsSayisal);
   EXPECT_EQ(next->at, 1778407200000);
-  EXPECT_EQ(purrlJson(*next).dump(),
+  EXPECT_EQ(encodeRecord(*next).dump(),
             R"({"planId":"p","exam":"lgs_sayisal","day":"2026-05-10","minute":600,"at":1778407200000,"started":false})");
   const auto missing = decodeJsonText<PurrlFocusMockNext>(
       R"({"planId":"p","exam":"tyt","day":"2026-05-10","minute":600,"at":1778407200000})");

@@ -138,7 +138,7 @@ TEST(PurrlStudyStatsTest, DecodesEveryPartAndRoundTrips) {
   EXPECT_EQ(stats->mocks[0].result->sections[0].net, 28.0);
   EXPECT_EQ(stats->exam->friends[0].name, "Ece");
   EXPECT_EQ(stats->examWeek->endDay, "2026-06-20");
-  EXPECT_EQ(decodeJsonText<PurrlFocusStudyStats>(purrlJson(*stats).dump()), stats);
+  EXPECT_EQ(decodeJsonText<PurrlFocusStudyStats>(encodeRecord(*stats).dump()), stats);
 }
 
 TEST(PurrlStudyStatsTest, UnknownPaperOrExamFailsTheRecord) {
@@ -181,7 +181,7 @@ TEST(PurrlMockCalendarTest, PastDatesCarryTheirRunAndNet) {
   EXPECT_EQ(calendar->past[0].net, 61.25);
   EXPECT_EQ(calendar->past[0].at, 1778310000000);
   EXPECT_FALSE(calendar->past[1].net.has_value());
-  EXPECT_EQ(purrlJson(calendar->past[1]).dump(),
+  EXPECT_EQ(encodeRecord(calendar->past[1]).dump(),
             R"({"planId":"p1","exam":"ayt","day":"2026-05-02","minute":600,"at":1777705200000})");
   EXPECT_EQ(calendar->friends[0].people[0].id, "u2");
 }

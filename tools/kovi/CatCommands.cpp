@@ -77,7 +77,7 @@ void addMomentCommand(CLI::App& cat) {
       exitStatus() = 1;
       return;
     }
-    nlohmann::ordered_json json = purrlJson(*moment);
+    nlohmann::ordered_json json = encodeRecord(*moment);
     json["lead"] = leadJson(moment->lead());
     json["furtherTricks"] = moment->furtherTricks();
     std::cout << json.dump(2) << '\n';

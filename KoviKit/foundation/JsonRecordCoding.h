@@ -1,0 +1,204 @@
+#pragma once
+
+// JSON coding of plain records from one field list per record, so the decoder
+// and the encoder can never disagree on a key or its order:
+//
+//   template <>
+//   struct JsonRecordFields<WorkingRules::Pomodoro> : StrictJsonRecord {
+//     static constexpr auto fields = std::tuple{
+//         field("workSeconds", &WorkingRules::Pomodoro::workSeconds),
+//         field("breakSeconds", &WorkingRules::Pomodoro::breakSeconds)};
+//   };
+//
+// Decoding requires every non-optional key, reads an absent or null optional
+// as no value and stops at the first failing field, whose key path the error
+// names. Encoding writes the keys in declared order. A `Date` travels as
+// floating seconds since 2001-01-01T00:00:00Z, its JSON form throughout.
+// A record that extends another lists the base record's fields first
+// (`std::tuple_cat` of the base's list and its own).
+
+#include <cmath>
+#include <concepts>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "KoviKit/foundation/Json.h"
+#include "KoviKit/foundation/Time.h"
+
+namespace kovi {
+
+// What a record does with keys outside its field list and with optionals that
+// hold no value; each field list states one.
+enum class JsonRecordPolicy {
+  // Documents Kovi writes and checks itself: exactly the listed keys, so an
+  // unknown key fails decoding, and an optional without a value is written as
+  // null.
+  strict,
+  // Service answers a newer service may add to: unknown keys are ignored, and
+  // an optional without a value is left out.
+  lenient,
+};
+
+struct StrictJsonRecord {
+  static constexpr JsonRecordPolicy policy = JsonRecordPolicy::strict;
+};
+
+struct LenientJsonRecord {
+  static constexpr JsonRecordPolicy policy = JsonRecordPolicy::lenient;
+};
+
+// `Record` is the record itself or one of its bases.
+template <class Record, class Value>
+struct JsonRecordField {
+  std::string_view key;
+  Value Record::*member;
+};
+
+template <class Record, class Value>
+constexpr JsonRecordField<Record, Value> field(std::string_view key, Value Record::*member) {
+  return {key, member};
+}
+
+// Specialised next to each record with its `fields` and its `policy`.
+template <class Record>
+struct JsonRecordFields;
+
+template <class Record>
+concept JsonRecord = requires {
+  JsonRecordFields<Record>::fields;
+  { JsonRecordFields<Record>::policy } -> std::convertible_to<JsonRecordPolicy>;
+};
+
+namespace json_record {
+
+template <class T>
+inline constexpr bool isOptional = false;
+template <class T>
+inline constexpr bool isOptional<std::optional<T>> = true;
+
+template <class T>
+inline constexpr bool isVector = false;
+template <class T>
+inline constexpr bool isVector<std::vector<T>> = true;
+
+template <class T>
+Decoded<T> decodeValue(const JsonView& json) {
+  if constexpr (std::is_same_v<T, Date>) {
+    // Far enough for any real instant, near enough that the instant still
+    // converts to Unix milliseconds.
+    constexpr double kTimestampLimitSeconds = 9e15;
+    auto seconds = json.as<double>();
+    if (!seconds) return std::unexpected(seconds.error());
+    if (!(std::fabs(*seconds) <= kTimestampLimitSeconds)) return std::unexpected(json.error("timestamp out of range"));
+    return Date::fromSecondsSince2001(*seconds);
+  } else {
+    return json.as<T>();
+  }
+}
+
+template <JsonRecord Record>
+bool isListedKey(std::string_view key) {
+  return std::apply([&](const auto&... entries) { return ((entries.key == key) || ...); },
+                    JsonRecordFields<Record>::fields);
+}
+
+template <JsonRecord Record>
+Decoded<void> rejectUnlistedKeys(const JsonView& json) {
+  for (const auto& [key, value] : json.json().items()) {
+    if (!isListedKey<Record>(key)) return std::unexpected(json.child(key, value).error("unknown key"));
+  }
+  return {};
+}
+
+template <class Record, class Owner, class Value>
+Decoded<void> decodeField(const JsonView& object, const JsonRecordField<Owner, Value>& field, Record& record) {
+  if constexpr (isOptional<Value>) {
+    auto child = object.optionalMember(field.key);
+    if (!child) return std::unexpected(child.error());
+    if (!*child) {
+      record.*field.member = std::nullopt;
+      return {};
+    }
+    auto value = decodeValue<typename Value::value_type>(**child);
+    if (!value) return std::unexpected(value.error());
+    record.*field.member = std::move(*value);
+  } else {
+    auto child = object.member(field.key);
+    if (!child) return std::unexpected(child.error());
+    auto value = decodeValue<Value>(*child);
+    if (!value) return std::unexpected(value.error());
+    record.*field.member = std::move(*value);
+  }
+  return {};
+}
+
+}  // namespace json_record
+
+// Every field of `Record` in declared order. Under the strict policy a key the
+// record does not list fails first, before any field is read.
+template <JsonRecord Record>
+Decoded<Record> decodeRecord(const JsonView& json) {
+  if (auto object = json.requireObject(); !object) return std::unexpected(object.error());
+  if constexpr (JsonRecordFields<Record>::policy == JsonRecordPolicy::strict) {
+    if (auto listed = json_record::rejectUnlistedKeys<Record>(json); !listed) return std::unexpected(listed.error());
+  }
+  Record record{};
+  Decoded<void> outcome;
+  std::apply(
+      [&](const auto&... fields) {
+        // Stops at the first failing field so the error names it.
+        ((outcome = outcome ? json_record::decodeField(json, fields, record) : outcome), ...);
+      },
+      JsonRecordFields<Record>::fields);
+  if (!outcome) return std::unexpected(outcome.error());
+  return record;
+}
+
+// Records with a field list decode through `decodeRecord` wherever they nest.
+template <JsonRecord Record>
+struct JsonDecoder<Record> {
+  static Decoded<Record> decode(const JsonView& json) { return decodeRecord<Record>(json); }
+};
+
+// The JSON form of a record, timestamp, list, optional or plain value.
+template <class Value>
+nlohmann::ordered_json encodeValue(const Value& value);
+
+template <JsonRecord Record>
+nlohmann::ordered_json encodeRecord(const Record& record) {
+  nlohmann::ordered_json object = nlohmann::ordered_json::object();
+  const auto put = [&](const auto& field) {
+    const auto& value = record.*field.member;
+    if constexpr (json_record::isOptional<std::remove_cvref_t<decltype(value)>>) {
+      if (!value && JsonRecordFields<Record>::policy == JsonRecordPolicy::lenient) return;
+    }
+    object[std::string(field.key)] = encodeValue(value);
+  };
+  std::apply([&](const auto&... fields) { (put(fields), ...); }, JsonRecordFields<Record>::fields);
+  return object;
+}
+
+template <class Value>
+nlohmann::ordered_json encodeValue(const Value& value) {
+  if constexpr (JsonRecord<Value>) {
+    return encodeRecord(value);
+  } else if constexpr (std::is_same_v<Value, Date>) {
+    return value.secondsSince2001();
+  } else if constexpr (json_record::isOptional<Value>) {
+    return value ? encodeValue(*value) : nlohmann::ordered_json(nullptr);
+  } else if constexpr (json_record::isVector<Value>) {
+    nlohmann::ordered_json array = nlohmann::ordered_json::array();
+    for (const auto& item : value) array.push_back(encodeValue(item));
+    return array;
+  } else {
+    return nlohmann::ordered_json(value);
+  }
+}
+
+}  // namespace kovi
