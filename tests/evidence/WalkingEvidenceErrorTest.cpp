@@ -7,25 +7,13 @@
 namespace kovi {
 namespace {
 
-TEST(V6EvidenceErrorTable, MapsEveryCodeToItsTurkishMessage) {
+TEST(V6EvidenceErrorTable, MapsCodesToTurkishMessagesAndFallsBackForUnknownOnes) {
   struct Case {
     std::string_view code;
     std::string_view message;
   };
   for (const Case& example : {
-           Case{"walking_no_readable_data",
-                "Bu aralıkta okunabilir Sağlık verisi bulunamadı. Bu, sıfır adım veya izin reddi anlamına gelmez. "
-                "Daha sonra yeniden oku."},
            Case{"walking_health_sharing_disabled", "Bu hesap için Sağlık erişimini ve paylaşımı açıp tekrar dene."},
-           Case{"walking_evidence_pending",
-                "Önce bekleyen gönderimin sonucuna bak. O netleşmeden yeni ölçüm gönderilmez."},
-           Case{"walking_evidence_writer_epoch_stale",
-                "Bu cihaz artık Sağlık ölçümü paylaşamıyor. Paylaşımı bu cihaza taşıdıktan sonra yeniden dene."},
-           Case{"walking_evidence_payload_too_large",
-                "Bekleyen Sağlık paylaşımı artık kabul edilemiyor. Sağlık verisi yeniden okunup yeni bir paylaşım "
-                "hazırlanacak."},
-           Case{"walking_day_windows_invalid",
-                "Kovi’in gün aralıkları bu cihazda doğrulanamadı. Kovi’i yenileyip yeniden dene."},
            Case{"challenge_consumed", "Cihaz doğrulaması yenilendi. İşlemi yeniden dene."},
            Case{"walking_evidence_unheard_of", "Şu anda tamamlanamadı. Yenileyip tekrar dene."},
        }) {
