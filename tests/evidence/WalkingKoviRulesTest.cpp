@@ -36,26 +36,21 @@ struct CanonicalCase {
   std::string_view hash;  // sha256sum of the canonical text, computed outside Kovi
 };
 
-class WalkingRulesCanonicalTest : public ::testing::TestWithParam<CanonicalCase> {};
-
-TEST_P(WalkingRulesCanonicalTest, WritesDeclaredOrderWithoutWhitespaceAndHashesIt) {
-  const CanonicalCase& example = GetParam();
-  const auto rules = decodeJsonText<WalkingKoviRules>(example.input);
-  ASSERT_TRUE(rules.has_value()) << rules.error().message();
-  EXPECT_EQ(rules->canonicalJson(), example.canonical);
-  EXPECT_EQ(rules->rulesHash(), example.hash);
-  // The canonical text decodes back to the same rules.
-  EXPECT_EQ(decodeJsonText<WalkingKoviRules>(rules->canonicalJson()), rules);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rules, WalkingRulesCanonicalTest,
-    ::testing::Values(
-        CanonicalCase{"race", kRaceRules, kRaceCanonical,
+TEST(WalkingRulesCanonical, WritesDeclaredOrderWithoutWhitespaceAndHashesIt) {
+  for (const CanonicalCase& example :
+       {CanonicalCase{"race", kRaceRules, kRaceCanonical,
                       "c6c7b868aac70e2d099ca8db98f400a580209582daef845a5599aa6b80640dc1"},
         CanonicalCase{"daily", kDailyRules, kDailyRules,
-                      "5bf18c943abca9a178309d686099eead2b268f5d3ee7a81b206959ca324a7e64"}),
-    [](const auto& info) { return std::string(info.param.name); });
+                      "5bf18c943abca9a178309d686099eead2b268f5d3ee7a81b206959ca324a7e64"}}) {
+    SCOPED_TRACE(example.name);
+    const auto rules = decodeJsonText<WalkingKoviRules>(example.input);
+    ASSERT_TRUE(rules.has_value()) << rules.error().message();
+    EXPECT_EQ(rules->canonicalJson(), example.canonical);
+    EXPECT_EQ(rules->rulesHash(), example.hash);
+    // The canonical text decodes back to the same rules.
+    EXPECT_EQ(decodeJsonText<WalkingKoviRules>(rules->canonicalJson()), rules);
+  }
+}
 
 TEST(WalkingRulesCanonical, WriterEscapesOnlyWhatJsonRequiresAndWritesIntegerExtremes) {
   CanonicalJsonWriter writer;
@@ -72,34 +67,30 @@ struct RefusedCase {
   std::string_view error;
 };
 
-class WalkingRulesRefusedTest : public ::testing::TestWithParam<RefusedCase> {};
-
-TEST_P(WalkingRulesRefusedTest, RefusesTheWholeRecordAndNamesTheKey) {
-  const RefusedCase& example = GetParam();
-  nlohmann::json document = nlohmann::json::parse(kDailyRules);
-  if (example.value.empty()) {
-    document.erase(std::string(example.key));
-  } else {
-    document[std::string(example.key)] = nlohmann::json::parse(example.value);
+// Each case sets (or drops) one key of the daily rules; the whole record is refused, naming the key.
+TEST(WalkingRulesRefused, RefusesTheWholeRecordAndNamesTheKey) {
+  for (const RefusedCase& example : {
+       RefusedCase{"unknownMode", "mode", R"("walk")", R"(mode: unknown value "walk")"},
+       RefusedCase{"unknownFirstDay", "firstDay", R"("tomorrow")", R"(firstDay: unknown value "tomorrow")"},
+       RefusedCase{"unknownKey", "bonus", "1", "bonus: unknown key"},
+       RefusedCase{"missingDuration", "durationDays", "", "durationDays: missing key"},
+       RefusedCase{"fractionalTarget", "stepTarget", "8000.5", "stepTarget: expected an integer, found a number"},
+       RefusedCase{"windowWithExtraKey", "dayWindows", R"([{"start":1,"end":2,"day":0}])",
+                   "dayWindows[0].day: unknown key"},
+       RefusedCase{"shareAsText", "rankPayoutsBps", R"(["6000"])",
+                   "rankPayoutsBps[0]: expected an integer, found a string"}}) {
+    SCOPED_TRACE(example.name);
+    nlohmann::json document = nlohmann::json::parse(kDailyRules);
+    if (example.value.empty()) {
+      document.erase(std::string(example.key));
+    } else {
+      document[std::string(example.key)] = nlohmann::json::parse(example.value);
+    }
+    const auto rules = JsonView(document).as<WalkingKoviRules>();
+    ASSERT_FALSE(rules.has_value()) << document.dump();
+    EXPECT_EQ(rules.error().message(), example.error);
   }
-  const auto rules = JsonView(document).as<WalkingKoviRules>();
-  ASSERT_FALSE(rules.has_value()) << document.dump();
-  EXPECT_EQ(rules.error().message(), example.error);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Rules, WalkingRulesRefusedTest,
-    ::testing::Values(
-        RefusedCase{"unknownMode", "mode", R"("walk")", R"(mode: unknown value "walk")"},
-        RefusedCase{"unknownFirstDay", "firstDay", R"("tomorrow")", R"(firstDay: unknown value "tomorrow")"},
-        RefusedCase{"unknownKey", "bonus", "1", "bonus: unknown key"},
-        RefusedCase{"missingDuration", "durationDays", "", "durationDays: missing key"},
-        RefusedCase{"fractionalTarget", "stepTarget", "8000.5", "stepTarget: expected an integer, found a number"},
-        RefusedCase{"windowWithExtraKey", "dayWindows", R"([{"start":1,"end":2,"day":0}])",
-                    "dayWindows[0].day: unknown key"},
-        RefusedCase{"shareAsText", "rankPayoutsBps", R"(["6000"])",
-                    "rankPayoutsBps[0]: expected an integer, found a string"}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 TEST(WalkingContextRulesHash, RefusesAContextWhoseRulesDoNotHashToItsHash) {
   auto rules = decodeJsonText<WalkingKoviRules>(kDailyRules);
