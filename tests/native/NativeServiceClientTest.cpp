@@ -40,19 +40,22 @@ using namespace std::chrono_literals;
 
 // How the test server delivers a body.
 enum class Delivery {
-  whole,             // with Content-Length
-  chunked,           // without Content-Length
-  declaredStalling,  // Content-Length over the limit; 64 KiB, then nothing until the test ends
-  chunkedStalling,   // no Content-Length; 192 KiB, then nothing until the test ends
+  whole,     // with Content-Length
+  chunked,   // without Content-Length
+  stalling,  // without Content-Length; 192 KiB, then nothing until the test ends
 };
 
 struct Reply {
   int status = 200;
-  std::string contentType = "application/json";
-  httplib::Headers headers;
   std::string body;
+  httplib::Headers headers = {};
   Delivery delivery = Delivery::whole;
+  std::string contentType = "application/json";
 };
+
+Reply text(int status, std::string contentType, std::string body, httplib::Headers headers = {}) {
+  return {status, std::move(body), std::move(headers), Delivery::whole, std::move(contentType)};
+}
 
 struct ServerCase {
   std::string name;
@@ -62,51 +65,25 @@ struct ServerCase {
 
 void PrintTo(const ServerCase& example, std::ostream* out) { *out << example.name; }
 
-constexpr std::size_t kStallAfterDeclared = 64 * 1024;
-constexpr std::size_t kStallAfterChunked = 192 * 1024;
-
-void stream(httplib::DataSink& sink, std::size_t bytes, char fill) {
-  const std::string piece(16 * 1024, fill);
-  for (std::size_t sent = 0; sent < bytes; sent += piece.size()) {
-    if (!sink.write(piece.data(), std::min(piece.size(), bytes - sent))) return;
-  }
-}
-
 void serve(const Reply& reply, Gate& gate, httplib::Response& response) {
   response.status = reply.status;
   for (const auto& [name, value] : reply.headers) response.set_header(name, value);
-  switch (reply.delivery) {
-    case Delivery::whole:
-      response.set_content(reply.body, reply.contentType.c_str());
-      return;
-    case Delivery::chunked:
-      response.set_chunked_content_provider(reply.contentType, [&reply](std::size_t, httplib::DataSink& sink) {
-        constexpr std::size_t kChunk = 10'000;
-        for (std::size_t at = 0; at < reply.body.size(); at += kChunk) {
-          if (!sink.write(reply.body.data() + at, std::min(kChunk, reply.body.size() - at))) return false;
-        }
-        sink.done();
-        return true;
-      });
-      return;
-    case Delivery::declaredStalling:
-      response.set_content_provider(4 * kNativeResponseBodyLimit, reply.contentType,
-                                    [&reply, &gate](std::size_t, std::size_t, httplib::DataSink& sink) {
-                                      sink.write(reply.body.data(), reply.body.size());
-                                      stream(sink, kStallAfterDeclared - reply.body.size(), ' ');
-                                      gate.waitOpen(10s);
-                                      return false;
-                                    });
-      return;
-    case Delivery::chunkedStalling:
-      response.set_chunked_content_provider(reply.contentType, [&reply, &gate](std::size_t, httplib::DataSink& sink) {
-        sink.write(reply.body.data(), reply.body.size());
-        stream(sink, kStallAfterChunked - reply.body.size(), ' ');
-        gate.waitOpen(10s);
-        return false;
-      });
-      return;
-  }
+  const std::string& body = reply.body;
+  if (reply.delivery == Delivery::whole) return response.set_content(body, reply.contentType.c_str());
+  response.set_chunked_content_provider(reply.contentType, [&](std::size_t, httplib::DataSink& sink) {
+    const bool stalls = reply.delivery == Delivery::stalling;
+    const std::string& data = stalls ? body + std::string(192 * 1024 - body.size(), ' ') : body;
+    constexpr std::size_t kChunk = 10'000;
+    for (std::size_t at = 0; at < data.size(); at += kChunk) {
+      if (!sink.write(data.data() + at, std::min(kChunk, data.size() - at))) return false;
+    }
+    if (stalls) {
+      gate.waitOpen(10s);
+      return false;
+    }
+    sink.done();
+    return true;
+  });
 }
 
 std::string greetingOfSize(std::size_t size) {
@@ -152,86 +129,49 @@ TEST_P(ServerReplyTest, ClientReportsWhatTheServerSaid) {
   EXPECT_LT(elapsed, 3s);
 }
 
-const httplib::Headers kNoHeaders;
+const std::string kOpenGreeting = R"({"name":"Ada","pad":")";
+const std::size_t kLimit = kNativeResponseBodyLimit;
+const auto kUnavailable = failed(NativeAccountError::unavailable());
+const auto kInvalid = failed(NativeAccountError::invalidResponse());
 
 INSTANTIATE_TEST_SUITE_P(
-    Statuses, ServerReplyTest,
+    Replies, ServerReplyTest,
     ::testing::Values(
-        ServerCase{"ok", {200, "application/json", kNoHeaders, R"({"name":"Ada"})"}, greeted("Ada")},
-        ServerCase{"ok_charset", {200, "application/json; charset=utf-8", kNoHeaders, R"({"name":"Şule"})"},
-                   greeted("Şule")},
-        ServerCase{"ok_wrong_content_type", {200, "text/html", kNoHeaders, R"({"name":"Ada"})"},
-                   failed(NativeAccountError::unavailable())},
-        ServerCase{"ok_not_json", {200, "application/json", kNoHeaders, "<html></html>"},
-                   failed(NativeAccountError::invalidResponse())},
-        ServerCase{"ok_wrong_record", {200, "application/json", kNoHeaders, R"({"nom":"Ada"})"},
-                   failed(NativeAccountError::invalidResponse())},
-        ServerCase{"rate_limited_header", {429, "text/plain", {{"Retry-After", "120"}}, "slow down"},
+        ServerCase{"ok", {200, R"({"name":"Ada"})"}, greeted("Ada")},
+        ServerCase{"ok_charset", text(200, "application/json; charset=utf-8", R"({"name":"Şule"})"), greeted("Şule")},
+        ServerCase{"ok_wrong_content_type", text(200, "text/html", R"({"name":"Ada"})"), kUnavailable},
+        ServerCase{"ok_not_json", {200, "<html></html>"}, kInvalid},
+        ServerCase{"ok_wrong_record", {200, R"({"nom":"Ada"})"}, kInvalid},
+        ServerCase{"rate_limited_header", text(429, "text/plain", "slow down", {{"Retry-After", "120"}}),
                    failed(NativeAccountError::rateLimited(120))},
-        ServerCase{"rate_limited_body_wins", {429, "application/json", {{"Retry-After", "120"}}, R"({"retryAfterSeconds":30})"},
+        ServerCase{"rate_limited_body_wins", {429, R"({"retryAfterSeconds":30})", {{"Retry-After", "120"}}},
                    failed(NativeAccountError::rateLimited(30))},
-        ServerCase{"rate_limited_no_wait", {429, "text/plain", kNoHeaders, ""},
+        ServerCase{"rate_limited_no_wait", text(429, "text/plain", ""),
                    failed(NativeAccountError::rateLimited(kNativeAssumedRateLimitWait))},
-        ServerCase{"service_code", {409, "application/json", kNoHeaders, R"({"error":"accounts_at_capacity"})"},
+        ServerCase{"service_code", {409, R"({"error":"accounts_at_capacity"})"},
                    failed(NativeAccountError::service("accounts_at_capacity"))},
-        ServerCase{"sign_in_code", {403, "application/json", kNoHeaders, R"({"error":"sign_in_required"})"},
-                   failed(NativeAccountError::signInRequired())},
-        ServerCase{"unauthorized", {401, "text/plain", kNoHeaders, ""}, failed(NativeAccountError::signInRequired())},
-        ServerCase{"unauthorized_with_code", {401, "application/json", kNoHeaders, R"({"error":"expired_challenge"})"},
+        ServerCase{"sign_in_code", {403, R"({"error":"sign_in_required"})"}, failed(NativeAccountError::signInRequired())},
+        ServerCase{"unauthorized", text(401, "text/plain", ""), failed(NativeAccountError::signInRequired())},
+        ServerCase{"unauthorized_with_code", {401, R"({"error":"expired_challenge"})"},
                    failed(NativeAccountError::service("expired_challenge"))},
-        ServerCase{"server_error_page", {502, "text/html", kNoHeaders, "<h1>Bad gateway</h1>"},
-                   failed(NativeAccountError::unavailable())},
-        ServerCase{"server_error_bad_code", {500, "application/json", kNoHeaders, R"({"error":"Bad Code"})"},
-                   failed(NativeAccountError::unavailable())},
-        ServerCase{"redirect_not_followed", {302, "text/plain", {{"Location", "/api/native/account/elsewhere"}}, ""},
-                   failed(NativeAccountError::unavailable())}),
-    [](const auto& info) { return info.param.name; });
-
-INSTANTIATE_TEST_SUITE_P(
-    BodyLimit, ServerReplyTest,
-    ::testing::Values(
-        ServerCase{"at_limit_chunked",
-                   {200, "application/json", kNoHeaders, greetingOfSize(kNativeResponseBodyLimit), Delivery::chunked},
-                   greeted("Ada")},
-        ServerCase{"past_limit_chunked",
-                   {200, "application/json", kNoHeaders, greetingOfSize(kNativeResponseBodyLimit + 1), Delivery::chunked},
-                   failed(NativeAccountError::invalidResponse())},
-        ServerCase{"past_limit_declared",
-                   {200, "application/json", kNoHeaders, greetingOfSize(kNativeResponseBodyLimit + 1)},
-                   failed(NativeAccountError::invalidResponse())},
-        ServerCase{"endless_declared",
-                   {200, "application/json", kNoHeaders, R"({"name":"Ada","pad":")", Delivery::declaredStalling},
-                   failed(NativeAccountError::invalidResponse())},
-        ServerCase{"endless_chunked",
-                   {200, "application/json", kNoHeaders, R"({"name":"Ada","pad":")", Delivery::chunkedStalling},
-                   failed(NativeAccountError::invalidResponse())},
+        ServerCase{"server_error_page", text(502, "text/html", "<h1>Bad gateway</h1>"), kUnavailable},
+        ServerCase{"redirect_not_followed", text(302, "text/plain", "", {{"Location", "/api/native/account/elsewhere"}}),
+                   kUnavailable},
+        ServerCase{"at_limit_chunked", {200, greetingOfSize(kLimit), {}, Delivery::chunked}, greeted("Ada")},
+        ServerCase{"past_limit_chunked", {200, greetingOfSize(kLimit + 1), {}, Delivery::chunked}, kInvalid},
+        ServerCase{"past_limit_declared", {200, greetingOfSize(kLimit + 1)}, kInvalid},
+        ServerCase{"endless", {200, kOpenGreeting, {}, Delivery::stalling}, kInvalid},
         ServerCase{"endless_rate_limit_keeps_header",
-                   {429, "application/json", {{"Retry-After", "45"}}, R"({"retryAfterSeconds":5,"pad":")",
-                    Delivery::chunkedStalling},
-                   failed(NativeAccountError::rateLimited(45))},
-        ServerCase{"endless_error_code_ignored",
-                   {500, "application/json", kNoHeaders, R"({"error":"internal_error","pad":")", Delivery::chunkedStalling},
-                   failed(NativeAccountError::unavailable())},
-        ServerCase{"endless_unauthorized",
-                   {401, "application/json", kNoHeaders, R"({"error":"internal_error","pad":")", Delivery::declaredStalling},
-                   failed(NativeAccountError::signInRequired())}),
+                   {429, R"({"retryAfterSeconds":5,"pad":")", {{"Retry-After", "45"}}, Delivery::stalling},
+                   failed(NativeAccountError::rateLimited(45))}),
     [](const auto& info) { return info.param.name; });
-
-std::string httpDate(std::chrono::system_clock::time_point when) {
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(when);
-  std::tm utc{};
-  gmtime_r(&seconds, &utc);
-  static constexpr const char* kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-  static constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                            "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-  char text[64];
-  std::snprintf(text, sizeof text, "%s, %02d %s %04d %02d:%02d:%02d GMT", kDays[utc.tm_wday], utc.tm_mday,
-                kMonths[utc.tm_mon], utc.tm_year + 1900, utc.tm_hour, utc.tm_min, utc.tm_sec);
-  return text;
-}
 
 TEST(NativeServiceClientTest, RateLimitWithAnHttpDateWaitsUntilThatDate) {
-  const std::string date = httpDate(std::chrono::system_clock::now() + 300s);
+  const std::time_t inFiveMinutes = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now() + 300s);
+  std::tm utc{};
+  gmtime_r(&inFiveMinutes, &utc);
+  char date[64];
+  std::strftime(date, sizeof date, "%a, %d %b %Y %H:%M:%S GMT", &utc);
   LoopbackServer server([&](httplib::Server& http) {
     http.Get("/api/native/account/greeting", [&](const httplib::Request&, httplib::Response& response) {
       response.status = 429;
@@ -250,38 +190,33 @@ TEST(NativeServiceClientTest, RateLimitWithAnHttpDateWaitsUntilThatDate) {
 struct Received {
   std::string method;
   std::string path;
-  httplib::Headers headers;
+  httplib::Headers headers = {};
   std::string body;
   int remotePort = 0;
 };
 
-// A server that answers {"name":"Ada"} to everything under the account area
+// A server that answers the same record to everything under the native area
 // and keeps what it received.
-class RecordingServer {
- public:
-  RecordingServer()
-      : server_([this](httplib::Server& http) {
-          const auto record = [this](const httplib::Request& request, httplib::Response& response) {
-            {
-              std::lock_guard lock(mutex_);
-              received_.push_back({request.method, request.path, request.headers, request.body, request.remote_port});
-            }
-            response.set_content(R"({"name":"Ada","seen":2,"after":1})", "application/json");
-          };
-          http.Get("/api/native/.*", record);
-          http.Post("/api/native/.*", record);
-        }) {}
-
-  NativeServiceOrigin origin() const { return server_.serviceOrigin(); }
+class RecordingServerTest : public ::testing::Test {
+ protected:
   std::vector<Received> received() {
     std::lock_guard lock(mutex_);
     return received_;
   }
 
- private:
   std::mutex mutex_;
   std::vector<Received> received_;
-  LoopbackServer server_;
+  LoopbackServer server_{[this](httplib::Server& http) {
+    const auto record = [this](const httplib::Request& request, httplib::Response& response) {
+      {
+        std::lock_guard lock(mutex_);
+        received_.push_back({request.method, request.path, request.headers, request.body, request.remote_port});
+      }
+      response.set_content(R"({"name":"Ada","seen":2,"after":1})", "application/json");
+    };
+    http.Get("/api/native/.*", record);
+    http.Post("/api/native/.*", record);
+  }};
 };
 
 std::string header(const Received& request, const std::string& name) {
@@ -289,11 +224,10 @@ std::string header(const Received& request, const std::string& name) {
   return found != request.headers.end() ? found->second : "<absent>";
 }
 
-TEST(NativeServiceClientTest, SendsTheHeadersTheServiceExpects) {
-  RecordingServer server;
+TEST_F(RecordingServerTest, SendsTheHeadersTheServiceExpectsOverOneConnection) {
   NativeClientOptions options;
   options.extraHeaders = {{"X-Purrl-Features", "cat,study"}};
-  NativeAccountAPI api(server.origin(), std::move(options));
+  NativeAccountAPI api(server_.serviceOrigin(), std::move(options));
 
   ASSERT_TRUE(api.send<Greeting>("/me", std::nullopt, "token-123").has_value());
   ASSERT_TRUE(api.send<Greeting>("session", R"({"passkey":"p"})").has_value());
@@ -303,7 +237,7 @@ TEST(NativeServiceClientTest, SendsTheHeadersTheServiceExpects) {
   ASSERT_TRUE(api.send<Greeting>("/me", std::nullopt, "token-456").has_value());
   ASSERT_TRUE(api.send<Greeting>("/me").has_value());
 
-  const auto received = server.received();
+  const auto requests = received();
   struct Expected {
     std::string method, path, contentType, authorization, body;
   };
@@ -314,10 +248,10 @@ TEST(NativeServiceClientTest, SendsTheHeadersTheServiceExpects) {
       {"GET", "/api/native/account/me", "<absent>", "Bearer token-456", ""},
       {"GET", "/api/native/account/me", "<absent>", "<absent>", ""},
   };
-  ASSERT_EQ(received.size(), std::size(expected));
-  for (std::size_t index = 0; index < received.size(); ++index) {
+  ASSERT_EQ(requests.size(), std::size(expected));
+  for (std::size_t index = 0; index < requests.size(); ++index) {
     SCOPED_TRACE(index);
-    const Received& request = received[index];
+    const Received& request = requests[index];
     EXPECT_EQ(request.method, expected[index].method);
     EXPECT_EQ(request.path, expected[index].path);
     EXPECT_EQ(request.body, expected[index].body);
@@ -326,7 +260,28 @@ TEST(NativeServiceClientTest, SendsTheHeadersTheServiceExpects) {
     EXPECT_EQ(header(request, "Authorization"), expected[index].authorization);
     EXPECT_EQ(header(request, "Cache-Control"), "no-cache");
     EXPECT_EQ(header(request, "X-Purrl-Features"), "cat,study");
+    EXPECT_EQ(request.remotePort, requests.front().remotePort) << "a new connection for this call";
   }
+}
+
+TEST_F(RecordingServerTest, ThreadsShareOneClient) {
+  NativeAccountAPI api(server_.serviceOrigin());
+  std::atomic<int> successes = 0;
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < 4; ++thread) {
+    threads.emplace_back([&] {
+      for (int call = 0; call < 10; ++call) successes += api.send<Greeting>("/me").has_value() ? 1 : 0;
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  EXPECT_EQ(successes.load(), 40);
+  EXPECT_EQ(received().size(), 40u);
+}
+
+TEST_F(RecordingServerTest, RawJsonKeepsTheServiceKeyOrder) {
+  const auto document = NativeAccountAPI(server_.serviceOrigin()).sendJson("/me");
+  ASSERT_TRUE(document.has_value()) << document.error().description();
+  EXPECT_EQ(document->dump(), R"({"name":"Ada","seen":2,"after":1})");
 }
 
 TEST(NativeServiceClientTest, EndpointIsTheAreaUnderTheOrigin) {
@@ -337,37 +292,12 @@ TEST(NativeServiceClientTest, EndpointIsTheAreaUnderTheOrigin) {
   EXPECT_EQ(NativeServiceClient(*origin, evidence).endpoint(), "https://kovi.example/api/native/v6/evidence");
 }
 
-TEST(NativeServiceClientTest, ReusesOneConnectionForSuccessiveCalls) {
-  RecordingServer server;
-  NativeAccountAPI api(server.origin());
-  for (int call = 0; call < 3; ++call) ASSERT_TRUE(api.send<Greeting>("/me").has_value());
-  ASSERT_TRUE(api.send<Greeting>("/me", R"({})").has_value());
-  const auto received = server.received();
-  ASSERT_EQ(received.size(), 4u);
-  for (const Received& request : received) EXPECT_EQ(request.remotePort, received.front().remotePort);
-}
-
-TEST(NativeServiceClientTest, ThreadsShareOneClient) {
-  RecordingServer server;
-  NativeAccountAPI api(server.origin());
-  std::atomic<int> successes = 0;
-  std::vector<std::thread> threads;
-  for (int thread = 0; thread < 4; ++thread) {
-    threads.emplace_back([&] {
-      for (int call = 0; call < 10; ++call) successes += api.send<Greeting>("/me").has_value() ? 1 : 0;
-    });
-  }
-  for (auto& thread : threads) thread.join();
-  EXPECT_EQ(successes.load(), 40);
-  EXPECT_EQ(server.received().size(), 40u);
-}
-
-TEST(NativeServiceClientTest, RawJsonKeepsTheServiceKeyOrder) {
-  RecordingServer server;
-  NativeAccountAPI api(server.origin());
-  const auto document = api.sendJson("/me");
-  ASSERT_TRUE(document.has_value()) << document.error().description();
-  EXPECT_EQ(document->dump(), R"({"name":"Ada","seen":2,"after":1})");
+// Options that keep the reason of every transport failure.
+NativeClientOptions observing(std::vector<std::string>& failures, std::chrono::milliseconds timeout) {
+  NativeClientOptions options;
+  options.timeout = timeout;
+  options.transportFailureObserver = [&](const NativeTransportFailure& failure) { failures.push_back(failure.reason); };
+  return options;
 }
 
 TEST(NativeServiceClientTest, ServerSlowerThanTheTimeOutIsUnavailable) {
@@ -380,10 +310,7 @@ TEST(NativeServiceClientTest, ServerSlowerThanTheTimeOutIsUnavailable) {
   });
   GateOpener opener(gate);
   std::vector<std::string> failures;
-  NativeClientOptions options;
-  options.timeout = 300ms;
-  options.transportFailureObserver = [&](const NativeTransportFailure& failure) { failures.push_back(failure.reason); };
-  NativeAccountAPI api(server.serviceOrigin(), std::move(options));
+  NativeAccountAPI api(server.serviceOrigin(), observing(failures, 300ms));
 
   const auto started = Clock::now();
   const auto result = api.send<Greeting>("/greeting");
@@ -398,15 +325,9 @@ TEST(NativeServiceClientTest, ServerSlowerThanTheTimeOutIsUnavailable) {
 }
 
 TEST(NativeServiceClientTest, RefusedConnectionIsUnavailable) {
-  NativeServiceOrigin origin = [] {
-    LoopbackServer closed([](httplib::Server&) {});
-    return closed.serviceOrigin();
-  }();
+  const NativeServiceOrigin origin = LoopbackServer([](httplib::Server&) {}).serviceOrigin();
   std::vector<std::string> failures;
-  NativeClientOptions options;
-  options.transportFailureObserver = [&](const NativeTransportFailure& failure) { failures.push_back(failure.reason); };
-  NativeAccountAPI api(origin, std::move(options));
-
+  NativeAccountAPI api(origin, observing(failures, 5s));
   const auto result = api.send<Greeting>("/greeting");
   ASSERT_FALSE(result.has_value());
   EXPECT_EQ(result.error(), NativeAccountError::unavailable());
