@@ -50,16 +50,6 @@ TEST(NativeAccountErrorTest, MessagesFollowTheCaseTheCodeAndTheArea) {
     EXPECT_EQ(example.error.message(example.table), example.message);
   }
   EXPECT_FALSE(kNativeAccountErrorTable.knows("no_such_code"));
-}
-
-TEST(NativeAccountErrorTest, OnlyTheMatchingCaseCarriesAWaitOrACode) {
-  const auto limited = NativeAccountError::rateLimited(-3);
-  EXPECT_EQ(limited.kind(), NativeAccountError::Case::rateLimited);
-  EXPECT_EQ(limited.retryAfterSeconds(), -3);
-  EXPECT_EQ(limited.code(), std::nullopt);
-  const auto service = NativeAccountError::service("internal_error");
-  EXPECT_EQ(service.code(), "internal_error");
-  EXPECT_EQ(service.retryAfterSeconds(), std::nullopt);
   EXPECT_NE(NativeAccountError::rateLimited(1), NativeAccountError::rateLimited(2));
   EXPECT_NE(NativeAccountError::service("a"), NativeAccountError::service("b"));
 }
