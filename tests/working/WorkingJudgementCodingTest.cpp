@@ -29,11 +29,8 @@ TEST(WorkingJudgementCodingTest, WorkFileErrorsNameTheirPath) {
       {R"({"members": [], "extra": 1})", "extra: unknown key"},
       {R"({})", "members: missing key"},
       {R"({"members": [{"accountID": "a"}]})", "members[0].sessions: missing key"},
-      {R"({"members": [{"accountID": "a", "sessions": [], "role": "x"}]})", "members[0].role: unknown key"},
       {R"({"members": [{"accountID": "a", "sessions": [{"id": "s", "segments": [{"start": 1}]}]}]})",
        "members[0].sessions[0].segments[0].end: missing key"},
-      {R"({"members": [{"accountID": "a", "sessions": [{"id": "s", "segments": [], "note": 1}]}]})",
-       "members[0].sessions[0].note: unknown key"},
       {R"({"members": [{"accountID": 7, "sessions": []}]})", "members[0].accountID: expected a string, found a number"},
       {R"({"members": )", "not valid JSON"},
   };

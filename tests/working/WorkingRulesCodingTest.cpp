@@ -35,27 +35,6 @@ TEST(WorkingRulesCodingTest, EncodingRestoresDeclaredOrder) {
   EXPECT_EQ(encodeWorkingRulesText(*rules), withoutFinalNewline(testing::workingDataFile("scheduled-rules.json")));
 }
 
-TEST(WorkingRulesCodingTest, UnsetOptionalsAreWrittenAsNull) {
-  const nlohmann::ordered_json encoded = encodeWorkingRules(testing::workingRules("scheduled-rules.json"));
-  EXPECT_TRUE(encoded["goal"]["totalTargetSeconds"].is_null());
-  EXPECT_TRUE(encoded["blocking"]["iphoneEnforcement"].is_null());
-  EXPECT_TRUE(encoded["verification"]["idleThresholdSeconds"].is_null());
-  EXPECT_EQ(encoded["session"]["pomodoro"]["workSeconds"], 1500);
-  EXPECT_EQ(encoded["session"]["completion"], "continue");
-  EXPECT_EQ(encoded["privacy"]["taskLabel"], "private");
-}
-
-TEST(WorkingRulesCodingTest, EqualityIsFieldByField) {
-  const WorkingRules rules = testing::workingRules("race-rules.json");
-  WorkingRules changed = rules;
-  EXPECT_EQ(changed, rules);
-  changed.calendar.days[13].id = "last";
-  EXPECT_NE(changed, rules);
-  changed = rules;
-  changed.economics.rankPayoutsBps = {6000, 3000, 999, 1};
-  EXPECT_NE(changed, rules);
-}
-
 // Nested in another record, rules go through the same three stages and a
 // failure names the nested position.
 TEST(WorkingRulesCodingTest, NestedRulesDecodeStrictly) {
