@@ -76,13 +76,10 @@ TEST_F(PurrlCatIdentityTest, SigningOutClearsTheCatAndTheOwner) {
   EXPECT_EQ(storedKeys(), (std::set<std::string>{"kovi.fonts.heading"}));
 }
 
-TEST_F(PurrlCatIdentityTest, SigningOutWithoutAnOwnerStillClearsALeftoverCat) {
+TEST_F(PurrlCatIdentityTest, ALeftoverCatIsClearedOnSignOutAndKeptByTheFirstOwner) {
   ASSERT_TRUE(identity::writeName(store, "Pamuk", PurrlCatNameOrigin::service));
   ASSERT_TRUE(identity::bindOwner(store, std::nullopt));
   EXPECT_EQ(identity::name(store), std::nullopt);
-}
-
-TEST_F(PurrlCatIdentityTest, FirstOwnerKeepsACatStoredBeforeSignIn) {
   ASSERT_TRUE(identity::writeName(store, "Pamuk", PurrlCatNameOrigin::device));
   ASSERT_TRUE(identity::bindOwner(store, "account-a"));
   EXPECT_EQ(identity::name(store), "Pamuk");

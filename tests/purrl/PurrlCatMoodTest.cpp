@@ -45,17 +45,13 @@ const auto away = [](int days) { return [days](PurrlCatMoodInputs& in) { in.away
 INSTANTIATE_TEST_SUITE_P(
     HourBounds, PurrlCatMoodTest,
     ::testing::Values(
-        MoodCase{"hour0", at(0), Mood::sleepy, Reason::night},
         MoodCase{"hour5", at(5), Mood::sleepy, Reason::night},
         MoodCase{"hour5PettedKeptBusy", with(with(with(at(5), petted), kept), busy(5)), Mood::sleepy, Reason::night},
         MoodCase{"hour6", at(6), Mood::content, Reason::calm},
-        MoodCase{"hour6Busy", with(at(6), busy(3)), Mood::glowing, Reason::busyDay},
-        MoodCase{"hour16Idle", at(16), Mood::content, Reason::calm},
         MoodCase{"hour17Idle", at(17), Mood::bored, Reason::quietDay},
         MoodCase{"hour22Idle", at(22), Mood::bored, Reason::quietDay},
         MoodCase{"hour22Busy", with(at(22), busy(1)), Mood::happy, Reason::busyDay},
-        MoodCase{"hour23", at(23), Mood::sleepy, Reason::night},
-        MoodCase{"hour23PettedMissed", with(with(at(23), petted), missed), Mood::sleepy, Reason::night}),
+        MoodCase{"hour23", at(23), Mood::sleepy, Reason::night}),
     [](const auto& info) { return info.param.name; });
 
 // Petting moves each waking mood one step towards glowing.
@@ -66,7 +62,6 @@ INSTANTIATE_TEST_SUITE_P(
         MoodCase{"glowingKeptKeepsReason", with(with(with(at(12), busy(1)), kept), petted), Mood::glowing,
                  Reason::keptKovi},
         MoodCase{"happyBecomesGlowing", with(with(at(12), busy(1)), petted), Mood::glowing, Reason::busyDay},
-        MoodCase{"happyKeptBecomesGlowing", with(with(at(12), kept), petted), Mood::glowing, Reason::keptKovi},
         MoodCase{"contentBecomesHappy", with(at(12), petted), Mood::happy, Reason::petted},
         MoodCase{"boredQuietBecomesContent", with(at(18), petted), Mood::content, Reason::petted},
         MoodCase{"boredAwayKeepsAway", with(with(at(12), away(3)), petted), Mood::content, Reason::away},
@@ -82,8 +77,7 @@ INSTANTIATE_TEST_SUITE_P(
                       MoodCase{"away3At10", with(at(10), away(3)), Mood::bored, Reason::away},
                       MoodCase{"away3At17", with(at(17), away(3)), Mood::bored, Reason::away},
                       MoodCase{"away2At10", with(at(10), away(2)), Mood::bored, Reason::away},
-                      MoodCase{"away3ButBusy", with(with(at(10), away(3)), busy(1)), Mood::happy, Reason::busyDay},
-                      MoodCase{"away3ButKept", with(with(at(10), away(3)), kept), Mood::happy, Reason::keptKovi}),
+                      MoodCase{"away3ButBusy", with(with(at(10), away(3)), busy(1)), Mood::happy, Reason::busyDay}),
     [](const auto& info) { return info.param.name; });
 
 // What was done and kept or missed decides the rest.
@@ -91,13 +85,11 @@ INSTANTIATE_TEST_SUITE_P(
     DayFacts, PurrlCatMoodTest,
     ::testing::Values(
         MoodCase{"missedNothingDone", with(at(12), missed), Mood::sulky, Reason::missedKovi},
-        MoodCase{"missedNothingDoneEvening", with(at(20), missed), Mood::sulky, Reason::missedKovi},
         MoodCase{"missedButBusy", with(with(at(12), missed), busy(1)), Mood::happy, Reason::busyDay},
         MoodCase{"missedAndKeptNothingDone", with(with(at(12), missed), kept), Mood::sulky, Reason::missedKovi},
         MoodCase{"keptNothingDone", with(at(12), kept), Mood::happy, Reason::keptKovi},
         MoodCase{"keptAndBusy", with(with(at(12), kept), busy(1)), Mood::glowing, Reason::keptKovi},
         MoodCase{"oneThing", with(at(12), busy(1)), Mood::happy, Reason::busyDay},
-        MoodCase{"twoThings", with(at(12), busy(2)), Mood::happy, Reason::busyDay},
         MoodCase{"threeThings", with(at(12), busy(3)), Mood::glowing, Reason::busyDay},
         MoodCase{"negativeThingsCountAsDone", with(at(12), busy(-1)), Mood::happy, Reason::busyDay}),
     [](const auto& info) { return info.param.name; });

@@ -88,9 +88,12 @@ struct EndpointCase {
   friend void PrintTo(const EndpointCase& c, std::ostream* out) { *out << c.name; }
 };
 
-template <class T>
-std::string failureOf(const std::expected<T, NativeAccountError>& result) {
-  return result ? std::string() : result.error().description();
+// Empty when the call succeeded and `holds` accepts its record; otherwise the
+// error's description or `what` names the record that came back wrong.
+template <class T, class Check>
+std::string checked(const std::expected<T, NativeAccountError>& result, Check holds, const char* what) {
+  if (!result) return result.error().description();
+  return holds(*result) ? std::string() : std::string(what);
 }
 
 class PurrlStudyClientTest : public ::testing::TestWithParam<EndpointCase> {
@@ -134,58 +137,47 @@ INSTANTIATE_TEST_SUITE_P(
                                   "subjects": [{"subject": "tyt_mat", "minutes": 95, "questions": 120, "runs": 2}]},
                          "heat": {"from": "2026-05-10", "to": "2026-05-10", "days": []}, "mocks": []})",
                      [](PurrlAPI& api) {
-                       auto stats = api.studyStats(kToken);
-                       if (!stats) return failureOf(stats);
-                       if (stats->week.subjects.at(0).subject != "tyt_mat" || stats->exam) return std::string("fields");
-                       return std::string();
+                       return checked(api.studyStats(kToken), [](const auto& stats) {
+                         return stats.week.subjects.at(0).subject == "tyt_mat" && !stats.exam; }, "stats");
                      }},
         EndpointCase{"dailySets", "focus/daily-sets", "GET",
                      R"({"day": "2026-05-10", "kept": false,
                          "items": [{"subject": "custom", "label": "Deneme", "target": 40, "done": 12, "kept": false}]})",
                      [](PurrlAPI& api) {
-                       auto sets = api.dailySets(kToken);
-                       if (!sets) return failureOf(sets);
-                       if (sets->items.at(0).identity() != "custom:deneme") return std::string("identity");
-                       return std::string();
+                       return checked(api.dailySets(kToken), [](const auto& sets) {
+                         return sets.items.at(0).identity() == "custom:deneme"; }, "identity");
                      }},
         EndpointCase{"setDailySets", "focus/daily-sets", "POST",
                      R"({"day": "2026-05-10", "kept": true,
                          "items": [{"subject": "tyt_mat", "target": 40, "done": 40, "kept": true}]})",
                      [](PurrlAPI& api) {
-                       auto sets = api.setDailySets({{PurrlFocusSubject::tytMat, std::nullopt, 40}}, kToken);
-                       if (!sets) return failureOf(sets);
-                       return sets->kept ? std::string() : std::string("kept");
+                       return checked(api.setDailySets({{PurrlFocusSubject::tytMat, std::nullopt, 40}}, kToken),
+                                      [](const auto& sets) { return sets.kept; }, "kept");
                      }},
         EndpointCase{"countdowns", "focus/countdowns", "GET",
                      R"({"countdowns": [{"exam": "lgs", "day": "2026-06-14", "daysLeft": 35},
                                         {"exam": "other", "label": "KPSS", "day": "2026-09-06", "daysLeft": 119}]})",
                      [](PurrlAPI& api) {
-                       auto countdowns = api.countdowns(kToken);
-                       if (!countdowns) return failureOf(countdowns);
                        const std::vector<PurrlFocusExamCountdown> expected{
                            {PurrlFocusExamKind::lgs, std::nullopt, "2026-06-14", 35},
                            {PurrlFocusExamKind::other, "KPSS", "2026-09-06", 119}};
-                       return *countdowns == expected ? std::string() : std::string("countdowns");
+                       return checked(api.countdowns(kToken), [&](const auto& got) { return got == expected; },
+                                      "countdowns");
                      }},
         EndpointCase{"mockCalendar", "focus/mocks", "GET",
                      R"({"now": 800000000, "plans": [], "past": [], "friends": [],
                          "upcoming": [{"planId": "p1", "exam": "lgs_sozel", "day": "2026-05-16", "minute": 600,
                                        "at": 1778914800000}]})",
                      [](PurrlAPI& api) {
-                       auto calendar = api.mockCalendar(kToken);
-                       if (!calendar) return failureOf(calendar);
-                       const auto& date = calendar->upcoming.at(0);
-                       return date.exam == PurrlFocusMockExam::lgsSozel && date.at == 1778914800000
-                                  ? std::string()
-                                  : std::string("upcoming");
+                       return checked(api.mockCalendar(kToken), [](const auto& calendar) {
+                         const auto& date = calendar.upcoming.at(0);
+                         return date.exam == PurrlFocusMockExam::lgsSozel && date.at == 1778914800000; }, "upcoming");
                      }},
         EndpointCase{"cat", "cat", "GET",
                      R"({"name": "Tarçın", "mood": "happy", "reason": "kept_kovi", "petted": false})",
                      [](PurrlAPI& api) {
-                       auto cat = api.cat(kToken);
-                       if (!cat) return failureOf(cat);
-                       return cat->reason == PurrlCatMoodReason::keptKovi && cat->name == "Tarçın" ? std::string()
-                                                                                                   : std::string("cat");
+                       return checked(api.cat(kToken), [](const auto& cat) {
+                         return cat.reason == PurrlCatMoodReason::keptKovi && cat.name == "Tarçın"; }, "cat");
                      }}),
     [](const auto& info) { return info.param.name; });
 

@@ -42,13 +42,10 @@ TEST_P(PurrlMockStartWindowTest, OpensFifteenMinutesBeforeAndClosesAnHourAfter) 
 }
 
 INSTANTIATE_TEST_SUITE_P(Bounds, PurrlMockStartWindowTest,
-                         ::testing::Values(WindowCase{"longBefore", "2026-05-10T08:00:00.000Z", false},
-                                           WindowCase{"oneMilliBeforeOpening", "2026-05-10T09:44:59.999Z", false},
+                         ::testing::Values(WindowCase{"oneMilliBeforeOpening", "2026-05-10T09:44:59.999Z", false},
                                            WindowCase{"opening", "2026-05-10T09:45:00.000Z", true},
-                                           WindowCase{"atTheStart", "2026-05-10T10:00:00.000Z", true},
                                            WindowCase{"closing", "2026-05-10T11:00:00.000Z", true},
-                                           WindowCase{"oneMilliAfterClosing", "2026-05-10T11:00:00.001Z", false},
-                                           WindowCase{"nextDay", "2026-05-11T10:00:00.000Z", false}),
+                                           WindowCase{"oneMilliAfterClosing", "2026-05-10T11:00:00.001Z", false}),
                          [](const auto& info) { return info.param.name; });
 
 TEST(PurrlMockStartWindowTest, ExtremeInstantsNeitherOverflowNorWrap) {
@@ -61,14 +58,12 @@ TEST(PurrlMockStartWindowTest, ExtremeInstantsNeitherOverflowNorWrap) {
   EXPECT_FALSE(paperAt(kMax).canStart(kMax - 900'001));
 }
 
-TEST(PurrlMockNextCodingTest, CarriesTheDateFieldsThenStarted) {
+TEST(PurrlMockNextCodingTest, RoundTripsAndRequiresStarted) {
   const auto next = decodeJsonText<PurrlFocusMockNext>(
       R"({"planId":"p","exam":"lgs_sayisal","day":"2026-05-10","minute":600,"at":1778407200000,"started":false})");
   ASSERT_TRUE(next.has_value()) << next.error().message();
   EXPECT_EQ(next->exam, PurrlFocusMockExam::lgsSayisal);
-  EXPECT_EQ(next->at, 1778407200000);
-  EXPECT_EQ(encodeRecord(*next).dump(),
-            R"({"planId":"p","exam":"lgs_sayisal","day":"2026-05-10","minute":600,"at":1778407200000,"started":false})");
+  EXPECT_EQ(decodeJsonText<PurrlFocusMockNext>(encodeRecord(*next).dump()), next);
   const auto missing = decodeJsonText<PurrlFocusMockNext>(
       R"({"planId":"p","exam":"tyt","day":"2026-05-10","minute":600,"at":1778407200000})");
   ASSERT_FALSE(missing.has_value());
