@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <string>
 
 namespace kovi::tool {
 
@@ -14,6 +15,10 @@ void addStudyCommands(CLI::App& app);
 void addWalkingCommands(CLI::App& app);
 void addInviteCommands(CLI::App& app);
 void addRulesCommands(CLI::App& app);
+
+// The command group `name` (`evidence`, `working`, `wallet`, …), added on
+// first use, so that several files can each add their commands to one group.
+CLI::App& commandGroup(CLI::App& app, const std::string& name, const std::string& description);
 
 // The status `kovi` exits with once the chosen command has run: 0 when the
 // command ran and found what was asked, 1 when it ran and found a negative

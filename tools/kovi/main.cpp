@@ -6,6 +6,14 @@
 
 namespace kovi::tool {
 
+CLI::App& commandGroup(CLI::App& app, const std::string& name, const std::string& description) {
+  const auto existing = app.get_subcommands([&name](CLI::App* group) { return group->get_name() == name; });
+  if (!existing.empty()) return *existing.front();
+  CLI::App* group = app.add_subcommand(name, description);
+  group->require_subcommand(1);
+  return *group;
+}
+
 int& exitStatus() {
   static int status = 0;
   return status;
