@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/native/KoviProcess.h"
-#include "tests/native/LoopbackServer.h"
+#include "tests/support/KoviProcess.h"
+#include "tests/support/LoopbackServer.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryDirectory.h"
 

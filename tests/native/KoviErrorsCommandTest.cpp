@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/native/KoviProcess.h"
+#include "tests/support/KoviProcess.h"
 
 namespace kovi {
 namespace {

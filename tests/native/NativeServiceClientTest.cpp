@@ -11,7 +11,7 @@
 
 #include "KoviKit/native/NativeAccountAPI.h"
 #include "KoviKit/native/NativeResponseClassifier.h"
-#include "tests/native/LoopbackServer.h"
+#include "tests/support/LoopbackServer.h"
 #include "tests/native/NativeErrorPrinting.h"
 
 namespace kovi {

@@ -1,4 +1,4 @@
-#include "tests/native/LoopbackServer.h"
+#include "tests/support/LoopbackServer.h"
 
 #include <stdexcept>
 

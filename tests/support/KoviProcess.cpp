@@ -1,4 +1,4 @@
-#include "tests/native/KoviProcess.h"
+#include "tests/support/KoviProcess.h"
 
 #include <fcntl.h>
 #include <spawn.h>
