@@ -185,6 +185,7 @@ struct WorkingSessionTransitions {
 
   static std::expected<void, WorkingSessionError> complete(WorkingSessionEngine& engine, const WorkingSessionEvent&) {
     engine.state_ = State::completed;
+    engine.suspensionReason_.reset();
     engine.scheduledBreakActive_ = false;
     return {};
   }
