@@ -9,6 +9,7 @@
 #include "KoviKit/working/WorkingProtectionFences.h"
 #include "KoviKit/working/WorkingProtectionPolicy.h"
 #include "KoviKit/working/WorkingProtectionProof.h"
+#include "KoviKit/working/WorkingProtectionSigning.h"
 #include "KoviKit/working/WorkingProtectionTransition.h"
 #include "KoviKit/working/WorkingProtectionWindow.h"
 
@@ -78,6 +79,20 @@ struct JsonRecordFields<WorkingProtectionWindow> : StrictJsonRecord {
       std::tuple{field("generation", &W::generation), field("ownerID", &W::ownerID),
                  field("sessionID", &W::sessionID),   field("rulesHash", &W::rulesHash),
                  field("startsAt", &W::startsAt),     field("endsAt", &W::endsAt)};
+};
+
+template <>
+struct JsonRecordFields<WorkingProtectionProofRequest> : StrictJsonRecord {
+  using R = WorkingProtectionProofRequest;
+  static constexpr auto fields =
+      std::tuple{field("action", &R::action), field("proof", &R::proof), field("signature", &R::signature)};
+};
+
+template <>
+struct JsonRecordFields<WorkingProtectionTransitionRequest> : StrictJsonRecord {
+  using R = WorkingProtectionTransitionRequest;
+  static constexpr auto fields =
+      std::tuple{field("action", &R::action), field("transition", &R::transition), field("signature", &R::signature)};
 };
 
 // A window that decodes but fails its checks is refused at its position with
