@@ -16,35 +16,22 @@ WorkingSessionPolicy sessionTestPolicy() {
 
 WorkingSessionReadiness allReady() { return {true, true, true, true, true, true, true}; }
 
-WorkingSessionEvent sessionEvent(UnixMillis at, WorkingSessionEvent::Type type) {
-  WorkingSessionEvent event;
-  event.at = at;
-  event.type = type;
-  return event;
-}
+WorkingSessionEvent sessionEvent(UnixMillis at, WorkingSessionEvent::Type type) { return {at, type, {}, {}, {}}; }
 
 WorkingSessionEvent startEvent(UnixMillis at, WorkingSessionReadiness readiness) {
-  auto event = sessionEvent(at, WorkingSessionEvent::Type::start);
-  event.readiness = readiness;
-  return event;
+  return {at, WorkingSessionEvent::Type::start, readiness, {}, {}};
 }
 
 WorkingSessionEvent readinessEvent(UnixMillis at, WorkingSessionReadiness readiness) {
-  auto event = sessionEvent(at, WorkingSessionEvent::Type::readiness);
-  event.readiness = readiness;
-  return event;
+  return {at, WorkingSessionEvent::Type::readiness, readiness, {}, {}};
 }
 
 WorkingSessionEvent transportEvent(UnixMillis at, WorkingTransportState state) {
-  auto event = sessionEvent(at, WorkingSessionEvent::Type::transport);
-  event.transport = state;
-  return event;
+  return {at, WorkingSessionEvent::Type::transport, {}, {}, state};
 }
 
 WorkingSessionEvent passiveEvent(UnixMillis at, bool eligible, const char* token) {
-  auto event = sessionEvent(at, WorkingSessionEvent::Type::passive);
-  event.passive = {eligible, token};
-  return event;
+  return {at, WorkingSessionEvent::Type::passive, {}, {eligible, token}, {}};
 }
 
 WorkingSessionEngine sessionEngine(const WorkingSessionPolicy& policy) {
