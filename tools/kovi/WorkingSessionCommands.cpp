@@ -95,7 +95,7 @@ struct WatchOptions {
 
 // The engine for the watched session, or nothing after reporting why (exit 2
 // for input that does not decode or identifiers the engine refuses, 1 for
-// rules no session can run under).
+// refused rules and rules no session can run under).
 std::optional<WorkingSessionEngine> watchedEngine(const WatchOptions& options) {
   const auto text = readInput(options.rulesFile);
   if (!text) {
@@ -106,7 +106,9 @@ std::optional<WorkingSessionEngine> watchedEngine(const WatchOptions& options) {
   const auto rules = decodeWorkingRules(*text);
   if (!rules) {
     std::cerr << "kovi: " << options.rulesFile << ": " << rules.error().reason << '\n';
-    exitStatus() = 2;
+    // A rule set that decodes but fails its value checks is refused (1); one
+    // that does not decode is unusable input (2).
+    exitStatus() = rules.error().stage == WorkingRulesDecodeError::Stage::validation ? 1 : 2;
     return std::nullopt;
   }
   auto policy = WorkingSessionPolicy::fromRules(*rules);
@@ -172,7 +174,8 @@ void addWatchCommand(CLI::App& session) {
       "be read counts as not ready, which suspends the session; protections this desktop does not run\n"
       "(app and website blocking, iPhone protection, a server lease) count as not ready too. Prints\n"
       "\"<state>: <status line>\" on stderr whenever either changes, and the snapshot as JSON on stdout\n"
-      "on exit. Exit 0 after Ctrl-C; 1 for rules no session can run under; 2 for undecodable rules.");
+      "on exit. Exit 0 after Ctrl-C; 1 for refused rules or rules no session can run under; 2 for\n"
+      "undecodable rules or invalid identifiers.");
   command->add_option("--rules", options->rulesFile, "The kovi's working rule set as JSON, or - for standard input")
       ->required();
   command->add_option("--session", options->sessionID, "The session's identifier")->required();
