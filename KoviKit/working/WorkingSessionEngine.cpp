@@ -16,6 +16,10 @@ using Type = WorkingSessionEvent::Type;
 
 // The latest instant a clock may report: the end of the JavaScript date range.
 constexpr UnixMillis kLatestInstantMS = 8'640'000'000'000'000;
+// No session outlasts the longest duration a rule may state (366 days); an
+// instant beyond it is a broken clock, and refusing it keeps the timeline
+// finite.
+constexpr std::int64_t kLongestSessionMS = 31'622'400'000;
 
 WorkingSessionError refusal(WorkingSessionError::Kind kind) { return WorkingSessionError{kind, {}}; }
 
@@ -254,7 +258,10 @@ std::expected<WorkingSessionEngine, WorkingSessionError> WorkingSessionEngine::m
 std::expected<void, WorkingSessionError> WorkingSessionEngine::observe(const WorkingSessionEvent& event) {
   using ErrorKind = WorkingSessionError::Kind;
   if (state_ == State::completed) return std::unexpected(refusal(ErrorKind::alreadyCompleted));
-  if (event.at < 0 || event.at > kLatestInstantMS) return std::unexpected(refusal(ErrorKind::invalidClock));
+  if (event.at < 0 || event.at > kLatestInstantMS ||
+      (startedAtMS_ && event.at - *startedAtMS_ > kLongestSessionMS)) {
+    return std::unexpected(refusal(ErrorKind::invalidClock));
+  }
   if (lastObservedAtMS_ && event.at < *lastObservedAtMS_) {
     return std::unexpected(refusal(ErrorKind::clockMovedBackwards));
   }
@@ -312,7 +319,7 @@ std::pair<WorkingTimeSegment::Kind, UnixMillis> WorkingSessionEngine::classify(U
     if (instant > from && instant < next) next = instant;
   };
   const auto threshold = effectiveIdleThresholdMS();
-  if (policy_.pomodoro && (state_ == State::active || state_ == State::possibleIdle)) {
+  if (policy_.pomodoro && policy_.pomodoro->breakMS > 0 && (state_ == State::active || state_ == State::possibleIdle)) {
     boundary(checkedAdd(from, pomodoroPosition(policy_, *startedAtMS_, from).phaseRemaining));
   }
   switch (state_) {

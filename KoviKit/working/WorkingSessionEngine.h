@@ -32,7 +32,8 @@ class WorkingSessionEngine {
   // 1 to 128 characters of ASCII letters, digits and "_.:-".
   static bool isValidIdentifier(std::string_view text);
 
-  // Applies one event. A refusal for the clock (`invalidClock`,
+  // Applies one event. An instant before 0, past the end of the JavaScript
+  // date range or more than 366 days after the start is `invalidClock`. A refusal for the clock (`invalidClock`,
   // `clockMovedBackwards`) or the lifecycle (`notStarted`, `alreadyStarted`,
   // `alreadyCompleted`, `notReady`) changes nothing.
   std::expected<void, WorkingSessionError> observe(const WorkingSessionEvent& event);

@@ -11,6 +11,10 @@ namespace {
 // The longest duration any rule may state: 366 days.
 constexpr std::int64_t kLongestDurationMS = 31'622'400'000;
 
+// Every pomodoro phase splits the timeline, so a session of the longest
+// length must stay a few hundred thousand segments at most.
+constexpr std::int64_t kShortestPomodoroPhaseMS = 60'000;
+
 std::int64_t milliseconds(std::int64_t seconds) { return checkedMul<std::int64_t>(seconds, 1000); }
 
 std::optional<std::int64_t> milliseconds(const std::optional<std::int64_t>& seconds) {
@@ -61,7 +65,9 @@ std::expected<void, WorkingSessionError> WorkingSessionPolicy::validate() const 
   const bool durationsValid =
       inRange(idleThresholdMS, 1) && inRange(resumeDebounceMS, 1) && inRange(resumeMaximumInputGapMS, 1) &&
       inRange(hardWindowMS, 1) && inRange(maximumObservationGapMS, 1) && inRange(passiveIdleThresholdMS, 1) &&
-      inRange(pomodoroOffsetMS, 0) && (!pomodoro || (inRange(pomodoro->workMS, 1) && inRange(pomodoro->breakMS, 0)));
+      inRange(pomodoroOffsetMS, 0) &&
+      (!pomodoro || (inRange(pomodoro->workMS, kShortestPomodoroPhaseMS) &&
+                     (pomodoro->breakMS == 0 || inRange(pomodoro->breakMS, kShortestPomodoroPhaseMS))));
   if (!durationsValid || (!idleThresholdMS && !allowsIdleDisabled)) {
     return std::unexpected(WorkingSessionError{WorkingSessionError::Kind::invalidPolicy, {}});
   }

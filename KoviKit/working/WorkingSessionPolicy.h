@@ -54,9 +54,9 @@ struct WorkingSessionPolicy {
   // yields `invalidPolicy`.
   static std::expected<WorkingSessionPolicy, WorkingSessionError> fromRules(const WorkingRules& rules);
 
-  // Every duration positive (a pomodoro break and the offset may be zero) and
-  // at most 366 days; a missing idle threshold only where idle detection may
-  // be off.
+  // Every duration positive and at most 366 days, pomodoro phases at least a
+  // minute (a pomodoro break and the offset may be zero); a missing idle
+  // threshold only where idle detection may be off.
   std::expected<void, WorkingSessionError> validate() const;
 
   bool operator==(const WorkingSessionPolicy&) const = default;

@@ -121,9 +121,9 @@ TEST(WorkingSessionEngineTest, ClassifiesTimeByTheRulesOfEachState) {
        {startEvent(0), sessionEvent(20'000, Type::activity), sessionEvent(40'000, Type::activity),
         sessionEvent(50'000, Type::tick)},
        State::active, std::nullopt, {.active = 30'000, .unverified = 20'000}},
-      {"pomodoro breaks are break time", [](WorkingSessionPolicy& p) { p.pomodoro = {{25'000, 5'000}}; },
-       concat({{startEvent(0)}, activityAt({20'000, 40'000, 55'000}), {sessionEvent(65'000, Type::tick)}}),
-       State::active, std::nullopt, {.active = 55'000, .breaks = 10'000}},
+      {"pomodoro breaks are break time", [](WorkingSessionPolicy& p) { p.pomodoro = {{120'000, 60'000}}; },
+       concat({{startEvent(0)}, activityAt({50'000, 100'000, 150'000}), {sessionEvent(200'000, Type::tick)}}),
+       State::active, std::nullopt, {.active = 140'000, .breaks = 60'000}},
       {"continuing passive work holds off idle up to its own threshold",
        [](WorkingSessionPolicy& p) { p.passiveIdleThresholdMS = 300'000; },
        {startEvent(0), passiveEvent(30'000, true, "call"), passiveEvent(90'000, true, "call"),
@@ -173,6 +173,8 @@ TEST(WorkingSessionEngineTest, RefusesWhatTheLifecycleAndClockDoNotAllow) {
       {"a negative instant", {startEvent(1'000)}, sessionEvent(-1, Type::tick), {ErrorKind::invalidClock, {}}, true},
       {"an instant past the end of time", {startEvent(1'000)}, sessionEvent(8'640'000'000'000'001, Type::tick),
        {ErrorKind::invalidClock, {}}, true},
+      {"an instant more than 366 days after the start", {startEvent(1'000)},
+       sessionEvent(1'000 + 31'622'400'001, Type::tick), {ErrorKind::invalidClock, {}}, true},
       {"a second start", {startEvent(0)}, startEvent(10), {ErrorKind::alreadyStarted, {}}, true},
       {"activity before the start", {}, sessionEvent(0, Type::activity), {ErrorKind::notStarted, {}}, true},
       {"anything after completion", {startEvent(0), sessionEvent(10, Type::complete)}, sessionEvent(20, Type::tick),
@@ -211,8 +213,8 @@ TEST(WorkingSessionEngineTest, RefusesInvalidIdentifiersAndPolicies) {
 
 TEST(WorkingSessionEngineTest, ReportsThePomodoroPhaseRemainingTimeAndCycle) {
   WorkingSessionPolicy policy = sessionTestPolicy();
-  policy.pomodoro = {{25'000, 5'000}};
-  policy.pomodoroOffsetMS = 10'000;
+  policy.pomodoro = {{120'000, 60'000}};
+  policy.pomodoroOffsetMS = 30'000;
   const struct {
     UnixMillis at;
     WorkingSessionSnapshot::PomodoroPhase phase;
@@ -220,10 +222,10 @@ TEST(WorkingSessionEngineTest, ReportsThePomodoroPhaseRemainingTimeAndCycle) {
     std::int64_t cycle;
   } cases[] = {
       // The shared cycle repeats backwards before its offset start.
-      {0, WorkingSessionSnapshot::PomodoroPhase::pomodoroWork, 5'000, -1},
-      {10'000, WorkingSessionSnapshot::PomodoroPhase::pomodoroWork, 25'000, 0},
-      {36'000, WorkingSessionSnapshot::PomodoroPhase::pomodoroBreak, 4'000, 0},
-      {45'000, WorkingSessionSnapshot::PomodoroPhase::pomodoroWork, 20'000, 1},
+      {0, WorkingSessionSnapshot::PomodoroPhase::pomodoroBreak, 30'000, -1},
+      {30'000, WorkingSessionSnapshot::PomodoroPhase::pomodoroWork, 120'000, 0},
+      {160'000, WorkingSessionSnapshot::PomodoroPhase::pomodoroBreak, 50'000, 0},
+      {220'000, WorkingSessionSnapshot::PomodoroPhase::pomodoroWork, 110'000, 1},
   };
   for (const auto& expected : cases) {
     SCOPED_TRACE(expected.at);
@@ -242,7 +244,7 @@ TEST(WorkingSessionEngineTest, ChoosesTheStatusLinesFromTheEngineState) {
   WorkingSessionPolicy phone = sessionTestPolicy();
   phone.requiresPhoneProtection = true;
   WorkingSessionPolicy pomodoro = sessionTestPolicy();
-  pomodoro.pomodoro = {{25'000, 5'000}};
+  pomodoro.pomodoro = {{120'000, 60'000}};
   const struct {
     const char* name;
     WorkingSessionPolicy policy;
@@ -267,7 +269,10 @@ TEST(WorkingSessionEngineTest, ChoosesTheStatusLinesFromTheEngineState) {
        "Koruma doğrulaması güncel değil. Yeniden kontrol edilene kadar yeni süre sayılmaz."},
       {"pomodoro work", pomodoro, {startEvent(0)}, "Pomodoro · çalışma aralığı",
        "Koruma bu kovi’in kurallarına uygun ve güncel."},
-      {"pomodoro break", pomodoro, {startEvent(0), sessionEvent(26'000, Type::activity)}, "Pomodoro · planlı mola",
+      {"pomodoro break", pomodoro,
+       {startEvent(0), sessionEvent(50'000, Type::activity), sessionEvent(100'000, Type::activity),
+        sessionEvent(121'000, Type::activity)},
+       "Pomodoro · planlı mola",
        "Koruma bu kovi’in kurallarına uygun ve güncel."},
       {"on a break", sessionTestPolicy(), {startEvent(0), sessionEvent(1'000, Type::manualBreak)},
        "Şu an çalışma sayılmıyor. Devam ettiğinde yalnızca yeni doğrulanan süre eklenir.",

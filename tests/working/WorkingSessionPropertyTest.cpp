@@ -82,7 +82,7 @@ TEST(WorkingSessionPropertyTest, RandomEventSequencesKeepTheTimelineHonest) {
     policy.requiresWebsiteBlocking = sequence % 2 == 0;
     policy.requiresServerLease = sequence % 3 == 0;
     if (sequence % 4 == 0) policy.hardWindowMS = 300'000;
-    if (sequence % 5 == 0) policy.pomodoro = {{50'000, 10'000}};
+    if (sequence % 5 == 0) policy.pomodoro = {{60'000, 60'000}};
     if (sequence % 6 == 0) policy.passiveIdleThresholdMS = 200'000;
     WorkingSessionEngine engine = sessionEngine(policy);
     std::vector<BlockedSpan> blocked;
