@@ -79,10 +79,12 @@ class TimeKeeper : public benchmark::ConsoleReporter {
     for (const Run& run : runs) {
       if (run.run_type != Run::RT_Aggregate || run.aggregate_name != "median") continue;
       wallTimes[run.run_name.function_name] = run.GetAdjustedRealTime();
+      cpuTimes[run.run_name.function_name] = run.GetAdjustedCPUTime();
     }
     ConsoleReporter::ReportRuns(runs);
   }
   std::map<std::string, double> wallTimes;
+  std::map<std::string, double> cpuTimes;
 };
 
 }  // namespace
@@ -97,9 +99,11 @@ int main(int argc, char** argv) {
   benchmark::RunSpecifiedBenchmarks(&keeper);
   benchmark::Shutdown();
   const double baseline = keeper.wallTimes["decode_events"];
-  if (baseline <= 0) return 1;
+  const double cpuBaseline = keeper.cpuTimes["decode_events"];
+  if (baseline <= 0 || cpuBaseline <= 0) return 1;
+  // The target applies to wall time; CPU time, steadier on a busy machine, is printed beside it.
   const double ratio = keeper.wallTimes["replay_session"] / baseline;
-  std::printf("ratio: replay_session/decode_events = %.2fx wall time (target <= 2x: %s)\n", ratio,
-              ratio <= 2.0 ? "met" : "missed");
+  std::printf("ratio: replay_session/decode_events = %.2fx wall time, %.2fx CPU time (target <= 2x: %s)\n", ratio,
+              keeper.cpuTimes["replay_session"] / cpuBaseline, ratio <= 2.0 ? "met" : "missed");
   return 0;
 }
