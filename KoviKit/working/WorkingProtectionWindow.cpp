@@ -2,13 +2,11 @@
 
 #include <algorithm>
 
+#include "KoviKit/working/WorkingRuleLimits.h"
 #include "KoviKit/working/WorkingSessionEngine.h"
 
 namespace kovi {
 namespace {
-
-constexpr UnixMillis kLatestInstantMS = 8'640'000'000'000'000;
-constexpr std::int64_t kLongestWindowMS = 31'622'400'000;
 
 bool isLowercaseSha256Hex(const std::string& text) {
   return text.size() == 64 &&
@@ -23,9 +21,9 @@ std::expected<void, WorkingProtectionWindow::InvalidWindow> WorkingProtectionWin
   if (!WorkingSessionEngine::isValidIdentifier(ownerID)) return refuse("invalid owner identifier");
   if (!WorkingSessionEngine::isValidIdentifier(sessionID)) return refuse("invalid session identifier");
   if (!isLowercaseSha256Hex(rulesHash)) return refuse("rules hash is not a SHA-256 hex digest");
-  if (startsAt < 0 || startsAt >= endsAt || endsAt > kLatestInstantMS) return refuse("window does not run forward");
+  if (startsAt < 0 || startsAt >= endsAt || endsAt > kWorkingLatestInstant) return refuse("window does not run forward");
   // Both ends are within range here, so the difference cannot overflow.
-  if (endsAt - startsAt > kLongestWindowMS) return refuse("window longer than 366 days");
+  if (endsAt - startsAt > kWorkingLongestKoviMillis) return refuse("window longer than 366 days");
   return {};
 }
 

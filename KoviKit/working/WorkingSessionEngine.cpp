@@ -6,6 +6,7 @@
 
 #include "KoviKit/foundation/CheckedArithmetic.h"
 #include "KoviKit/working/WorkingOfflineLimit.h"
+#include "KoviKit/working/WorkingRuleLimits.h"
 
 namespace kovi {
 namespace {
@@ -14,12 +15,10 @@ using Kind = WorkingTimeSegment::Kind;
 using State = WorkingSessionState;
 using Type = WorkingSessionEvent::Type;
 
-// The latest instant a clock may report: the end of the JavaScript date range.
-constexpr UnixMillis kLatestInstantMS = 8'640'000'000'000'000;
 // No session outlasts the longest duration a rule may state (366 days); an
 // instant beyond it is a broken clock, and refusing it keeps the timeline
 // finite.
-constexpr std::int64_t kLongestSessionMS = 31'622'400'000;
+constexpr std::int64_t kLongestSessionMS = kWorkingLongestKoviMillis;
 
 WorkingSessionError refusal(WorkingSessionError::Kind kind) { return WorkingSessionError{kind, {}}; }
 
@@ -258,7 +257,7 @@ std::expected<WorkingSessionEngine, WorkingSessionError> WorkingSessionEngine::m
 std::expected<void, WorkingSessionError> WorkingSessionEngine::observe(const WorkingSessionEvent& event) {
   using ErrorKind = WorkingSessionError::Kind;
   if (state_ == State::completed) return std::unexpected(refusal(ErrorKind::alreadyCompleted));
-  if (event.at < 0 || event.at > kLatestInstantMS ||
+  if (event.at < 0 || event.at > kWorkingLatestInstant ||
       (startedAtMS_ && event.at - *startedAtMS_ > kLongestSessionMS)) {
     return std::unexpected(refusal(ErrorKind::invalidClock));
   }

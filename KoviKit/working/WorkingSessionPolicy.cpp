@@ -3,13 +3,14 @@
 #include <algorithm>
 
 #include "KoviKit/foundation/CheckedArithmetic.h"
+#include "KoviKit/working/WorkingRuleLimits.h"
 #include "KoviKit/working/WorkingSessionReadiness.h"
 
 namespace kovi {
 namespace {
 
 // The longest duration any rule may state: 366 days.
-constexpr std::int64_t kLongestDurationMS = 31'622'400'000;
+constexpr std::int64_t kLongestDurationMS = kWorkingLongestKoviMillis;
 
 // Every pomodoro phase splits the timeline, so a session of the longest
 // length must stay a few hundred thousand segments at most.

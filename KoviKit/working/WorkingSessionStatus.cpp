@@ -1,5 +1,7 @@
 #include "KoviKit/working/WorkingSessionStatus.h"
 
+#include <algorithm>
+
 namespace kovi {
 namespace {
 
