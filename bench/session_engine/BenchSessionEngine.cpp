@@ -6,13 +6,12 @@
 // most 2x).
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "KoviKit/foundation/Json.h"
 #include "KoviKit/working/WorkingSessionReplay.h"
+#include "bench/BenchMedianRatio.h"
 
 namespace {
 
@@ -72,20 +71,6 @@ void replay(benchmark::State& state) {
   }
 }
 
-// Remembers each benchmark's median time per iteration for the closing ratio.
-class TimeKeeper : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.run_type != Run::RT_Aggregate || run.aggregate_name != "median") continue;
-      wallTimes[run.run_name.function_name] = run.GetAdjustedRealTime();
-      cpuTimes[run.run_name.function_name] = run.GetAdjustedCPUTime();
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  std::map<std::string, double> wallTimes;
-  std::map<std::string, double> cpuTimes;
-};
 
 }  // namespace
 
@@ -95,15 +80,8 @@ int main(int argc, char** argv) {
                            benchmark::RegisterBenchmark("replay_session", replay)}) {
     registered->Repetitions(5)->ReportAggregatesOnly(true)->Unit(benchmark::kMillisecond);
   }
-  TimeKeeper keeper;
+  kovi::bench::MedianKeeper keeper;
   benchmark::RunSpecifiedBenchmarks(&keeper);
   benchmark::Shutdown();
-  const double baseline = keeper.wallTimes["decode_events"];
-  const double cpuBaseline = keeper.cpuTimes["decode_events"];
-  if (baseline <= 0 || cpuBaseline <= 0) return 1;
-  // The target applies to wall time; CPU time, steadier on a busy machine, is printed beside it.
-  const double ratio = keeper.wallTimes["replay_session"] / baseline;
-  std::printf("ratio: replay_session/decode_events = %.2fx wall time, %.2fx CPU time (target <= 2x: %s)\n", ratio,
-              keeper.cpuTimes["replay_session"] / cpuBaseline, ratio <= 2.0 ? "met" : "missed");
-  return 0;
+  return keeper.printRatio("replay_session", "decode_events", 2) ? 0 : 1;
 }
