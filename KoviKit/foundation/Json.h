@@ -29,8 +29,20 @@ struct DecodeError {
 template <class T>
 using Decoded = std::expected<T, DecodeError>;
 
-// Parses JSON text; a syntax error becomes a DecodeError at the document.
+// How many objects and arrays a parsed document may nest inside each other.
+// Deeper documents are refused while parsing, so no walk over a parsed
+// document (decoding, dumping, checking) can exhaust the stack however it is
+// written; real documents nest fewer than ten levels.
+inline constexpr int kJsonMaximumDepth = 128;
+
+// Parses JSON text strictly: a syntax error names its line and column, an
+// object that repeats a key is refused with the key path of the repeat (with
+// duplicates, what a document means and what it hashes to would depend on
+// which copy a reader keeps), and nesting deeper than `kJsonMaximumDepth` is
+// refused. Every document Kovi reads goes through here.
 Decoded<nlohmann::json> parseJson(std::string_view text);
+// The same, keeping each object's keys in document order.
+Decoded<nlohmann::ordered_json> parseOrderedJson(std::string_view text);
 
 // Enumerations name their raw values once, in declaration order:
 //
@@ -135,8 +147,8 @@ struct JsonDecoder<bool> {
   static Decoded<bool> decode(const JsonView& json);
 };
 
-// Integers accept JSON numbers with an integral value inside the type's range;
-// 1.0 reads as 1, 1.5 and 2^63 are refused.
+// Integers accept only JSON integers inside the type's range: 1.0, 1e3 and
+// 2^63 are refused, so a document has one spelling of every count it carries.
 template <>
 struct JsonDecoder<std::int64_t> {
   static Decoded<std::int64_t> decode(const JsonView& json);

@@ -11,6 +11,7 @@
 #include <regex>
 #include <string>
 
+#include "KoviKit/foundation/Json.h"
 #include "KoviKit/native/NativeServiceClient.h"
 #include "KoviKit/native/NativeServiceOrigin.h"
 #include "tools/kovi/Commands.h"
@@ -57,7 +58,7 @@ std::expected<std::string, std::string> requestBody(const std::string& argument)
     if (!contents) return std::unexpected(contents.error());
     text = std::move(*contents);
   }
-  if (!nlohmann::json::accept(text)) return std::unexpected("--body is not valid JSON");
+  if (auto parsed = parseJson(text); !parsed) return std::unexpected("--body: " + parsed.error().message());
   return text;
 }
 
