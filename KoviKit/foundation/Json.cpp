@@ -160,11 +160,15 @@ JsonView JsonView::child(std::string_view key, const nlohmann::json& value) cons
   path += path_;
   if (!path.empty()) path += '.';
   path += key;
-  return JsonView(value, std::move(path));
+  JsonView view(value, std::move(path));
+  view.integerLiteralsOnly_ = integerLiteralsOnly_;
+  return view;
 }
 
 JsonView JsonView::element(std::size_t index, const nlohmann::json& value) const {
-  return JsonView(value, path_ + "[" + std::to_string(index) + "]");
+  JsonView view(value, path_ + "[" + std::to_string(index) + "]");
+  view.integerLiteralsOnly_ = integerLiteralsOnly_;
+  return view;
 }
 
 Decoded<JsonView> JsonView::member(std::string_view key) const {
@@ -200,6 +204,16 @@ Decoded<std::int64_t> JsonDecoder<std::int64_t>::decode(const JsonView& json) {
   if (value.is_number_unsigned()) {
     const auto raw = value.get<std::uint64_t>();
     if (raw > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
+      return std::unexpected(json.error("integer out of range"));
+    }
+    return static_cast<std::int64_t>(raw);
+  }
+  // Strict documents spell every count one way: as an integer literal.
+  if (value.is_number_float() && !json.integerLiteralsOnly()) {
+    const double raw = value.get<double>();
+    // 2^63 is the first double past the int64 range.
+    if (!std::isfinite(raw) || std::trunc(raw) != raw) return std::unexpected(wrongType(json, "an integer"));
+    if (raw < -9223372036854775808.0 || raw >= 9223372036854775808.0) {
       return std::unexpected(json.error("integer out of range"));
     }
     return static_cast<std::int64_t>(raw);

@@ -96,6 +96,15 @@ class JsonView {
 
   bool isNull() const { return value_->is_null(); }
 
+  // The same position, where integers (here and in everything below) must be
+  // integer literals: 1.0 and 1e3 are refused.
+  JsonView withIntegerLiteralsOnly() const {
+    JsonView view = *this;
+    view.integerLiteralsOnly_ = true;
+    return view;
+  }
+  bool integerLiteralsOnly() const { return integerLiteralsOnly_; }
+
   // Objects. `requireObject` checks the shape; `requireOnlyKeys` also rejects
   // any key outside `known` (strict records carry exactly their keys).
   Decoded<void> requireObject() const;
@@ -137,6 +146,7 @@ class JsonView {
  private:
   const nlohmann::json* value_;
   std::string path_;
+  bool integerLiteralsOnly_ = false;
 };
 
 // The JSON type name of a value, for error reasons ("a string", "null").
@@ -147,8 +157,11 @@ struct JsonDecoder<bool> {
   static Decoded<bool> decode(const JsonView& json);
 };
 
-// Integers accept only JSON integers inside the type's range: 1.0, 1e3 and
-// 2^63 are refused, so a document has one spelling of every count it carries.
+// Integers accept JSON numbers with an integral value inside the type's range
+// (1.0 and 1e3 read as 1 and 1000, as the apps' own decoders read them);
+// 1.5 and 2^63 are refused. Below a view marked `integerLiteralsOnly`, only
+// integer literals are integers, so a strict document spells every count one
+// way.
 template <>
 struct JsonDecoder<std::int64_t> {
   static Decoded<std::int64_t> decode(const JsonView& json);

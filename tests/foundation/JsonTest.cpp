@@ -76,10 +76,6 @@ INSTANTIATE_TEST_SUITE_P(
         RejectCase{R"([{"name": "Pamuk", "ageDays": 3, "toys": [2147483648]}])", "[0].toys[0]: integer out of range"},
         RejectCase{R"([{"name": "Pamuk", "ageDays": 3, "toys": [], "owner": "Ece"}])", "[0].owner: unknown key"},
         RejectCase{R"({"name": "Pamuk"})", "expected an array, found an object"},
-        RejectCase{R"([{"name": "Pamuk", "ageDays": 3.0, "toys": []}])",
-                   "[0].ageDays: expected an integer, found a number"},
-        RejectCase{R"([{"name": "Pamuk", "ageDays": 1e3, "toys": []}])",
-                   "[0].ageDays: expected an integer, found a number"},
         RejectCase{R"([{"name": "Pamuk", "ageDays": 3, "toys": []}, {"name": "A", "name": "B"}])",
                    "[1].name: duplicate key"},
         RejectCase{"[{\"name\": \"Pamuk\",\n  \"toys\": [1 2]}]",
@@ -96,9 +92,9 @@ TEST(JsonTest, RefusesNestingPastTheDepthLimitWithoutExhaustingTheStack) {
   }
 }
 
-TEST(JsonTest, DecodesOptionalsIntegersAndArrays) {
+TEST(JsonTest, DecodesOptionalsIntegralNumbersAndArrays) {
   const auto decoded = decodeJsonText<std::vector<Kitten>>(
-      R"([{"name": "Pamuk", "ageDays": 3, "toys": [1, 2]},
+      R"([{"name": "Pamuk", "ageDays": 3.0, "toys": [1, 2]},
           {"name": "Duman", "ageDays": -4, "colour": "tabby", "toys": []},
           {"name": "Zeytin", "ageDays": 0, "colour": null, "toys": []}])");
   ASSERT_TRUE(decoded.has_value()) << decoded.error().message();
