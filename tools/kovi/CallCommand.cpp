@@ -17,6 +17,7 @@
 #include "tools/kovi/Commands.h"
 #include "tools/kovi/ErrorAreas.h"
 #include "tools/kovi/Input.h"
+#include "tools/kovi/NumberOptions.h"
 
 namespace kovi::tool {
 namespace {
@@ -137,9 +138,9 @@ void addCallCommand(CLI::App& app) {
   command->add_option("--body", options->body, "JSON to POST, or @FILE to read it from FILE (@- for standard input)");
   command->add_option("--token", options->token, "Session token, sent as \"Authorization: Bearer TOKEN\"")
       ->envname("KOVI_SERVICE_TOKEN");
-  command->add_option("--timeout", options->timeoutSeconds, "Seconds before the request is given up")
-      ->check(CLI::Range(0.001, 3600.0))
-      ->capture_default_str();
+  addDurationOption(command, "--timeout", options->timeoutSeconds, "Seconds before the request is given up", 0.001,
+                    3600.0)
+      ->default_str("60");
   command->callback([options] { runCall(*options); });
 }
 
