@@ -21,6 +21,17 @@ std::optional<double> decimalSeconds(std::string_view text) {
   return value;
 }
 
+// Why `text` is not a finite duration in [minimum, maximum] seconds, or an
+// empty string.
+std::string durationProblem(std::string_view text, double minimum, double maximum) {
+  const auto value = decimalSeconds(text);
+  if (!value) return quoted(text) + " is not a number of seconds";
+  if (!std::isfinite(*value) || *value < minimum || *value > maximum) {
+    return quoted(text) + " is out of range (" + shortest(minimum) + " to " + shortest(maximum) + " seconds)";
+  }
+  return {};
+}
+
 }  // namespace
 
 std::string integerProblem(std::string_view text, long long minimum, long long maximum) {
@@ -34,28 +45,25 @@ std::string integerProblem(std::string_view text, long long minimum, long long m
   return quoted(text) + " is not a plain decimal integer (" + range + ")";
 }
 
-std::string durationProblem(std::string_view text, double minimum, double maximum) {
-  const auto value = decimalSeconds(text);
-  if (!value) return quoted(text) + " is not a number of seconds";
-  if (!std::isfinite(*value) || *value < minimum || *value > maximum) {
-    return quoted(text) + " is out of range (" + shortest(minimum) + " to " + shortest(maximum) + " seconds)";
-  }
-  return {};
+CLI::Option* addCheckedOption(CLI::App* command, const std::string& name, const std::string& description,
+                              const std::string& typeName, std::function<std::string(const std::string&)> take) {
+  return command
+      ->add_option_function<std::string>(
+          name,
+          [take = std::move(take)](const std::string& text) {
+            if (auto problem = take(text); !problem.empty()) throw CLI::ValidationError(problem);
+          },
+          description)
+      ->type_name(typeName);
 }
 
 CLI::Option* addDurationOption(CLI::App* command, const std::string& name, double& target,
                                const std::string& description, double minimum, double maximum) {
-  return command
-      ->add_option_function<std::string>(
-          name,
-          [&target, minimum, maximum](const std::string& text) {
-            if (auto problem = durationProblem(text, minimum, maximum); !problem.empty()) {
-              throw CLI::ValidationError(problem);
-            }
-            target = *decimalSeconds(text);
-          },
-          description)
-      ->type_name("SECONDS");
+  return addCheckedOption(command, name, description, "SECONDS", [&target, minimum, maximum](const std::string& text) {
+    std::string problem = durationProblem(text, minimum, maximum);
+    if (problem.empty()) target = *decimalSeconds(text);
+    return problem;
+  });
 }
 
 }  // namespace kovi::tool

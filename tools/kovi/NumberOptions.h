@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <concepts>
+#include <functional>
 #include <limits>
 #include <optional>
 #include <string>
@@ -29,25 +30,22 @@ std::optional<T> plainDecimal(std::string_view text) {
 
 // Why `text` is not an integer in [minimum, maximum], or an empty string.
 std::string integerProblem(std::string_view text, long long minimum, long long maximum);
-// Why `text` is not a finite duration in [minimum, maximum] seconds, or an
-// empty string.
-std::string durationProblem(std::string_view text, double minimum, double maximum);
+
+// An option whose text `take` checks and stores, returning why it is not
+// acceptable (an empty string when it is): the one way every number option
+// refuses with a message.
+CLI::Option* addCheckedOption(CLI::App* command, const std::string& name, const std::string& description,
+                              const std::string& typeName, std::function<std::string(const std::string&)> take);
 
 // An integer option read as plain decimal within [minimum, maximum].
 template <std::integral T>
 CLI::Option* addIntegerOption(CLI::App* command, const std::string& name, T& target, const std::string& description,
                               T minimum = std::numeric_limits<T>::min(), T maximum = std::numeric_limits<T>::max()) {
-  return command
-      ->add_option_function<std::string>(
-          name,
-          [&target, minimum, maximum](const std::string& text) {
-            if (auto problem = integerProblem(text, minimum, maximum); !problem.empty()) {
-              throw CLI::ValidationError(problem);
-            }
-            target = *plainDecimal<T>(text);
-          },
-          description)
-      ->type_name("INTEGER");
+  return addCheckedOption(command, name, description, "INTEGER", [&target, minimum, maximum](const std::string& text) {
+    std::string problem = integerProblem(text, minimum, maximum);
+    if (problem.empty()) target = *plainDecimal<T>(text);
+    return problem;
+  });
 }
 
 // A duration option in seconds, finite and within [minimum, maximum].
