@@ -70,7 +70,7 @@ std::string WalkingKoviRules::rulesHash() const { return sha256Hex(canonicalJson
 
 namespace {
 
-constexpr int kMostRanks = 100;
+constexpr std::size_t kMostRanks = 100;
 constexpr int kWholePoolBps = 10000;
 
 Decoded<void> refuse(const JsonView& json, std::string_view key, std::string reason) {
