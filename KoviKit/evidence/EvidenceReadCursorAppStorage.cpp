@@ -7,6 +7,19 @@ EvidenceReadFailure unavailable(const KeyValueStoreError& error) {
   return {EvidenceReadError::storageUnavailable, error.message};
 }
 
+// The value under `key` decoded by `decode`, nullopt when there is none.
+template <class Decode>
+auto load(const KeyValueStore& defaults, const std::string& key, Decode decode)
+    -> std::expected<std::optional<typename decltype(decode(nlohmann::json(), key))::value_type>, EvidenceReadFailure> {
+  auto values = defaults.values();
+  if (!values) return std::unexpected(unavailable(values.error()));
+  const auto found = values->find(key);
+  if (found == values->end()) return std::nullopt;
+  auto record = decode(*found, key);
+  if (!record) return std::unexpected(record.error());
+  return std::move(*record);
+}
+
 }  // namespace
 
 EvidenceReadCursorAppStorage::EvidenceReadCursorAppStorage(KeyValueStore& defaults) : defaults_(defaults) {}
@@ -17,15 +30,6 @@ std::string EvidenceReadCursorAppStorage::recordKey(const EvidenceReadScope& sco
 
 std::string EvidenceReadCursorAppStorage::acceptedKey(const EvidenceReadScope& scope) {
   return "kovi.evidence.acceptedDays.v1." + scope.digest();
-}
-
-std::expected<std::optional<nlohmann::json>, EvidenceReadFailure> EvidenceReadCursorAppStorage::storedValue(
-    const std::string& key) const {
-  auto values = defaults_.values();
-  if (!values) return std::unexpected(unavailable(values.error()));
-  const auto found = values->find(key);
-  if (found == values->end()) return std::nullopt;
-  return *found;
 }
 
 std::expected<void, EvidenceReadFailure> EvidenceReadCursorAppStorage::store(
@@ -39,13 +43,9 @@ std::expected<void, EvidenceReadFailure> EvidenceReadCursorAppStorage::store(
 
 std::expected<std::optional<EvidenceReadCursorStorage::Record>, EvidenceReadFailure>
 EvidenceReadCursorAppStorage::loadRecord(const EvidenceReadScope& scope) {
-  const std::string key = recordKey(scope);
-  auto value = storedValue(key);
-  if (!value) return std::unexpected(value.error());
-  if (!*value) return std::nullopt;
-  auto record = decodeStoredRecord(**value, scope, key);
-  if (!record) return std::unexpected(record.error());
-  return std::move(*record);
+  return load(defaults_, recordKey(scope), [&](const nlohmann::json& value, const std::string& key) {
+    return decodeStoredRecord(value, scope, key);
+  });
 }
 
 std::expected<void, EvidenceReadFailure> EvidenceReadCursorAppStorage::saveRecord(const Record& record) {
@@ -54,13 +54,9 @@ std::expected<void, EvidenceReadFailure> EvidenceReadCursorAppStorage::saveRecor
 
 std::expected<std::optional<EvidenceReadCursorStorage::AcceptedRecord>, EvidenceReadFailure>
 EvidenceReadCursorAppStorage::loadAccepted(const EvidenceReadScope& scope) {
-  const std::string key = acceptedKey(scope);
-  auto value = storedValue(key);
-  if (!value) return std::unexpected(value.error());
-  if (!*value) return std::nullopt;
-  auto record = decodeStoredAccepted(**value, scope, key);
-  if (!record) return std::unexpected(record.error());
-  return std::move(*record);
+  return load(defaults_, acceptedKey(scope), [&](const nlohmann::json& value, const std::string& key) {
+    return decodeStoredAccepted(value, scope, key);
+  });
 }
 
 std::expected<void, EvidenceReadFailure> EvidenceReadCursorAppStorage::saveAccepted(const EvidenceReadScope& scope,

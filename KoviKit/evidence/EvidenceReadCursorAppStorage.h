@@ -28,7 +28,6 @@ class EvidenceReadCursorAppStorage final : public EvidenceReadCursorStorage {
   std::expected<void, EvidenceReadFailure> remove(const EvidenceReadScope& scope) override;
 
  private:
-  std::expected<std::optional<nlohmann::json>, EvidenceReadFailure> storedValue(const std::string& key) const;
   std::expected<void, EvidenceReadFailure> store(const std::string& key,
                                                  const std::expected<std::string, EvidenceReadFailure>& text);
 
