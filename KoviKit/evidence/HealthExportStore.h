@@ -16,7 +16,7 @@ namespace kovi {
 class HealthExportStore final : public HealthEvidenceStore {
  public:
   // A JSON sample file is read whole, so it is held to this size.
-  static constexpr std::size_t kSampleFileLimit = 64 * 1024 * 1024;
+  static constexpr std::size_t kSampleFileLimit = 16 * 1024 * 1024;
 
   explicit HealthExportStore(std::filesystem::path path, HealthReadProgress progress = {});
 

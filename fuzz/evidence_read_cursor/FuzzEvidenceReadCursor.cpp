@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 #include "KoviKit/evidence/EvidenceReadCursorFileStorage.h"
-#include "KoviKit/foundation/FileIO.h"
+#include "fuzz/FuzzScratchFile.h"
 #include "KoviKit/foundation/JsonUniqueKeys.h"
 
 namespace {
@@ -24,8 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       std::filesystem::temp_directory_path() / ("fuzz_evidence_read_cursor." + std::to_string(getpid()));
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
   kovi::EvidenceReadCursorFileStorage storage(directory);
-  if (!kovi::writeFileAtomically(storage.recordFile(kScope), bytes)) return 0;
-  if (!kovi::writeFileAtomically(storage.acceptedFile(kScope), bytes)) return 0;
+  if (!kovi::fuzz::writeScratchFile(storage.recordFile(kScope), bytes)) return 0;
+  if (!kovi::fuzz::writeScratchFile(storage.acceptedFile(kScope), bytes)) return 0;
 
   if (const auto record = storage.loadRecord(kScope); record && *record) {
     if (!storage.saveRecord(**record)) __builtin_trap();

@@ -13,7 +13,7 @@
 
 #include "KoviKit/evidence/HealthExportStore.h"
 #include "KoviKit/evidence/HealthStepStatistics.h"
-#include "KoviKit/foundation/FileIO.h"
+#include "fuzz/FuzzScratchFile.h"
 
 namespace {
 
@@ -33,7 +33,7 @@ const kovi::HealthEvidenceReadRequest kRequest{
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-  if (!kovi::writeFileAtomically(scratchFile(), bytes)) return 0;
+  if (!kovi::fuzz::writeScratchFile(scratchFile(), bytes)) return 0;
   kovi::HealthExportStore store(scratchFile());
   const auto samples = store.stepSamples(kRequest.days.front().start, kRequest.days.back().end);
   if (!samples) {

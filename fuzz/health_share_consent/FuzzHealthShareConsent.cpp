@@ -10,12 +10,13 @@
 
 #include "KoviKit/evidence/HealthShareConsentStore.h"
 #include "KoviKit/foundation/FileIO.h"
+#include "fuzz/FuzzScratchFile.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::filesystem::path file =
       std::filesystem::temp_directory_path() / ("fuzz_health_share_consent." + std::to_string(getpid()));
   const std::string_view bytes(reinterpret_cast<const char*>(data), size);
-  if (!kovi::writeFileAtomically(file, bytes)) return 0;
+  if (!kovi::fuzz::writeScratchFile(file, bytes)) return 0;
 
   kovi::HealthShareConsentStore store(file);
   const auto before = store.consent("acct-fuzz");

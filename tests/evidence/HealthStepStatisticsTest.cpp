@@ -187,14 +187,6 @@ TEST(HealthStepStatisticsTest, AnUncompletedPermissionPromptReadsNothing) {
   }
 }
 
-TEST(HealthStepStatisticsTest, OnlyMeasuredDaysAreUsedAndNoDataStaysMissing) {
-  EXPECT_EQ(handlingOf(HealthEvidenceReadOutcome::measured), HealthEvidenceReadHandling::useBuckets);
-  EXPECT_EQ(handlingOf(HealthEvidenceReadOutcome::noReadableData), HealthEvidenceReadHandling::keepMissing);
-  EXPECT_EQ(handlingOf(HealthEvidenceReadOutcome::healthKitUnavailable), HealthEvidenceReadHandling::stopReading);
-  EXPECT_EQ(handlingOf(HealthEvidenceReadOutcome::readFailed), HealthEvidenceReadHandling::retryLater);
-  EXPECT_EQ(handlingOf(HealthEvidenceReadOutcome::temporarilyUnavailable), HealthEvidenceReadHandling::retryLater);
-}
-
 TEST(HealthSourcePriorityTest, ListedSourcesThenWatchesThenPhonesThenByName) {
   const auto priority = HealthSourcePriority::fromList(" Pixel , ,Fitbit");
   EXPECT_EQ(priority.preferred(), (std::vector<std::string>{"Pixel", "Fitbit"}));
