@@ -129,7 +129,9 @@ SamplesOrError readSampleFile(const std::filesystem::path& path, UnixMillis from
   Samples kept;
   for (std::size_t index = 0; index < samples->size(); ++index) {
     auto& sample = (*samples)[index];
-    const std::string where = "[" + std::to_string(index) + "]";
+    // Built by appending: GCC 12 warns (falsely) on "literal" + temporary at -O2.
+    std::string where = "[";
+    where.append(std::to_string(index)).append("]");
     if (!isHealthInstant(sample.start) || !isHealthInstant(sample.end)) {
       return std::unexpected(where + ": instant outside the years 1 to 9999");
     }

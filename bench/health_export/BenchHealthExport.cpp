@@ -88,7 +88,7 @@ void writeExportXml(const std::filesystem::path& path) {
 void writeExportZip(const std::filesystem::path& xml, const std::filesystem::path& path) {
   int error = 0;
   zip_t* archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &error);
-  zip_source_t* source = zip_source_file(archive, xml.c_str(), 0, ZIP_LENGTH_TO_END);
+  zip_source_t* source = zip_source_file(archive, xml.c_str(), 0, 0);
   zip_file_add(archive, "apple_health_export/export.xml", source, ZIP_FL_ENC_UTF_8);
   zip_set_file_compression(archive, 0, ZIP_CM_DEFLATE, 1);
   zip_close(archive);
