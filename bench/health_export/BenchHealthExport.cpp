@@ -15,12 +15,12 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "KoviKit/evidence/HealthExportStore.h"
 #include "KoviKit/evidence/HealthStepStatistics.h"
+#include "bench/BenchMedianRatio.h"
 
 namespace {
 
@@ -144,20 +144,6 @@ void readExport(benchmark::State& state, const std::filesystem::path& path) {
 void readExportXml(benchmark::State& state) { readExport(state, theExport().xml); }
 void readExportZip(benchmark::State& state) { readExport(state, theExport().zip); }
 
-// Keeps the median real time of each benchmark for the closing ratio.
-class MedianReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
-        medians[run.run_name.function_name] = run.GetAdjustedRealTime();
-      }
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  std::map<std::string, double> medians;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -172,21 +158,15 @@ int main(int argc, char** argv) {
        }) {
     registered->Iterations(1)->Repetitions(5)->ReportAggregatesOnly(true)->Unit(benchmark::kMillisecond);
   }
-  MedianReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
+  kovi::bench::MedianKeeper keeper;
+  benchmark::RunSpecifiedBenchmarks(&keeper);
   benchmark::Shutdown();
   std::filesystem::remove_all(made.directory);
 
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   const double peakMB = static_cast<double>(usage.ru_maxrss) / 1024.0;
-  const auto subject = reporter.medians.find("read_export_xml");
-  const auto baseline = reporter.medians.find("bare_expat_parse");
-  if (subject != reporter.medians.end() && baseline != reporter.medians.end() && baseline->second > 0) {
-    const double ratio = subject->second / baseline->second;
-    std::printf("ratio: read_export_xml/bare_expat_parse = %.2fx (target <= 1.5x: %s)\n", ratio,
-                ratio <= 1.5 ? "met" : "missed");
-  }
+  keeper.printRatio("read_export_xml", "bare_expat_parse", 1.5);
   std::printf("peak resident memory: %.1f MB (target < 40 MB: %s)\n", peakMB, peakMB < 40 ? "met" : "missed");
   return 0;
 }
