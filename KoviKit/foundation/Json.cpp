@@ -1,8 +1,12 @@
 #include "KoviKit/foundation/Json.h"
 
+#include "KoviKit/foundation/Base64.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
+#include <set>
 
 namespace kovi {
 
@@ -15,6 +19,38 @@ Decoded<nlohmann::json> parseJson(std::string_view text) {
   // Parse without exceptions so a malformed document costs no throw.
   nlohmann::json document = nlohmann::json::parse(text, nullptr, /*allow_exceptions=*/false);
   if (document.is_discarded()) return std::unexpected(DecodeError{"", "not valid JSON"});
+  return document;
+}
+
+Decoded<nlohmann::json> parseSignedJson(std::string_view text) {
+  // The keys seen so far in each open object, innermost last.
+  std::vector<std::set<std::string, std::less<>>> openObjects;
+  std::optional<std::string> duplicate;
+  const nlohmann::json::parser_callback_t watch = [&](int, nlohmann::json::parse_event_t event,
+                                                      nlohmann::json& parsed) {
+    switch (event) {
+      case nlohmann::json::parse_event_t::object_start: openObjects.emplace_back(); break;
+      case nlohmann::json::parse_event_t::object_end:
+        if (!openObjects.empty()) openObjects.pop_back();
+        break;
+      case nlohmann::json::parse_event_t::key: {
+        const auto& key = parsed.get_ref<const std::string&>();
+        if (!openObjects.back().insert(key).second && !duplicate) duplicate = key;
+        break;
+      }
+      default: break;
+    }
+    return true;
+  };
+  nlohmann::json document;
+  try {
+    document = nlohmann::json::parse(text, watch);
+  } catch (const nlohmann::json::parse_error& error) {
+    return std::unexpected(DecodeError{"", "not valid JSON (at byte " + std::to_string(error.byte) + ")"});
+  } catch (const nlohmann::json::exception&) {
+    return std::unexpected(DecodeError{"", "not valid JSON"});
+  }
+  if (duplicate) return std::unexpected(DecodeError{"", "duplicate key \"" + *duplicate + "\""});
   return document;
 }
 
@@ -138,6 +174,14 @@ Decoded<double> JsonDecoder<double>::decode(const JsonView& json) {
 Decoded<std::string> JsonDecoder<std::string>::decode(const JsonView& json) {
   if (!json.json().is_string()) return std::unexpected(wrongType(json, "a string"));
   return json.json().get<std::string>();
+}
+
+Decoded<std::vector<std::uint8_t>> JsonDecoder<std::vector<std::uint8_t>>::decode(const JsonView& json) {
+  auto text = json.as<std::string>();
+  if (!text) return std::unexpected(text.error());
+  auto bytes = base64Decode(*text);
+  if (!bytes) return std::unexpected(json.error("expected canonical base64"));
+  return std::move(*bytes);
 }
 
 }  // namespace kovi

@@ -32,6 +32,12 @@ using Decoded = std::expected<T, DecodeError>;
 // Parses JSON text; a syntax error becomes a DecodeError at the document.
 Decoded<nlohmann::json> parseJson(std::string_view text);
 
+// Parses a document that is hashed or signed, or that holds signed parts:
+// beside syntax errors (reported with their byte offset), an object with the
+// same key twice is refused, because readers disagree on which one counts and
+// a signature must cover exactly what is read.
+Decoded<nlohmann::json> parseSignedJson(std::string_view text);
+
 // Enumerations name their raw values once, in declaration order:
 //
 //   template <> struct EnumNames<PurrlFocusStrictness> {
@@ -173,6 +179,13 @@ struct JsonDecoder<std::vector<T>> {
   }
 };
 
+// Bytes travel as canonical padded base64 text (keys, signatures,
+// attestation objects); any other spelling is refused.
+template <>
+struct JsonDecoder<std::vector<std::uint8_t>> {
+  static Decoded<std::vector<std::uint8_t>> decode(const JsonView& json);
+};
+
 template <NamedEnum E>
 struct JsonDecoder<E> {
   static Decoded<E> decode(const JsonView& json) {
@@ -182,6 +195,14 @@ struct JsonDecoder<E> {
     return std::unexpected(json.error("unknown value \"" + *raw + "\""));
   }
 };
+
+// `parseSignedJson` and then decoding as T.
+template <class T>
+Decoded<T> decodeSignedJsonText(std::string_view text) {
+  auto document = parseSignedJson(text);
+  if (!document) return std::unexpected(document.error());
+  return JsonView(*document).as<T>();
+}
 
 // Parses `text` and decodes it as T in one step.
 template <class T>
