@@ -113,7 +113,8 @@ TEST_F(V6EvidencePendingStoreTest, ACorruptFileIsReportedByNameAndNeverOverwritt
 TEST_F(V6EvidencePendingStoreTest, ARecordOverTheLimitIsRefused) {
   auto large = record("owner", "kovi", "req-1");
   auto& buckets = std::get<V6WalkingSubmission>(large.operation).entries[0].observation.buckets;
-  buckets.assign(Store::kRecordLimit / 40, V6WalkingBucket{0, 900'000, "1"});
+  // Each bucket writes about 40 bytes.
+  buckets.assign(Store::kRecordLimit / 30, V6WalkingBucket{0, 900'000, "1"});
   const auto saved = store.save(large);
   ASSERT_FALSE(saved.has_value());
   EXPECT_EQ(saved.error().failure, Store::Failure::tooLarge);

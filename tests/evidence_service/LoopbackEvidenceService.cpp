@@ -18,7 +18,6 @@ UnixMillis now() { return Date::now().unixMillis(); }
 
 std::string refusal(std::string_view code) { return Json{{"error", code}}.dump(); }
 
-std::vector<std::uint8_t> bytesOf(std::string_view text) { return {text.begin(), text.end()}; }
 
 // The fields of `object` in `order`, compact: nlohmann writes integers bare,
 // strings with the minimal escapes and no whitespace, which is the canonical
@@ -103,8 +102,8 @@ LoopbackEvidenceService::Answer LoopbackEvidenceService::handle(const std::strin
   } catch (const nlohmann::json::exception&) {
     answer = {400, refusal("walking_evidence_request_rejected")};
   }
-  // The work is done; only the answer goes missing.
-  if (answer.status == 200 && action != "walkingContext" && loseNextAnswer_.exchange(false)) return {503, ""};
+  // The submission is accepted; only its receipt goes missing.
+  if (answer.status == 200 && action == "submitWalkingEvidence" && loseNextAnswer_.exchange(false)) return {503, ""};
   return answer;
 }
 

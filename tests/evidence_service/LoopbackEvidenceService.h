@@ -45,6 +45,7 @@ class LoopbackEvidenceService {
   int acceptedSubmissions() const;
 
   // Knobs.
+  // Accepts the next submission and then answers 503 instead of the receipt.
   void loseNextAnswer() { loseNextAnswer_ = true; }
   void bumpRevisionBeforeNextSubmission(int day) { bumpDay_ = day; }
   void limitPayloadBytes(std::size_t limit) { payloadLimit_ = limit; }
