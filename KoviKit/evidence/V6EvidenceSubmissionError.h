@@ -11,6 +11,17 @@
 
 namespace kovi {
 
+template <>
+struct EnumNames<WalkingEvidenceFailure> {
+  static constexpr std::array table{
+      std::pair{WalkingEvidenceFailure::noData, std::string_view("noData")},
+      std::pair{WalkingEvidenceFailure::attestationUnsupported, std::string_view("attestationUnsupported")},
+      std::pair{WalkingEvidenceFailure::attestation, std::string_view("attestation")},
+      std::pair{WalkingEvidenceFailure::rejected, std::string_view("rejected")},
+      std::pair{WalkingEvidenceFailure::transient, std::string_view("transient")},
+  };
+};
+
 // Why signing or sending walking evidence stopped: the failure class that
 // drives the backoff, the code (the service's, or this device's own), the
 // Turkish message the user reads, and an English detail for logs and the

@@ -78,7 +78,7 @@ TEST(EvidenceCommandsTest, EnvelopePrintsTheCanonicalTextOrItsHashAndNamesABadFi
       {badHex.dump(), 1, "rulesHash: expected 64 to 256 lowercase hex digits"},
       {badType.dump(), 1, "windowIds[1]"},
       {R"({"koviId":"1","koviId":"2"})", 2, "duplicate key \"koviId\""},
-      {R"({"koviId":)", 2, "not valid JSON (at byte 10)"},
+      {R"({"koviId":)", 2, "not valid JSON (at byte 11)"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.says);
