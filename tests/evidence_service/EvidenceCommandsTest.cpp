@@ -164,6 +164,9 @@ TEST_F(EvidenceServiceCommandsTest, ServiceRefusalPrintsTheTurkishMessageAndCode
   EXPECT_EQ(refused.exitStatus, 1);
   const auto error = json::parse(refused.out);
   EXPECT_EQ(error.at("code"), "walking_evidence_revision_conflict");
+  EXPECT_EQ(error.at("failure"), "rejected");
+  // A rejected submission is rebuilt after a minute, not retried at once.
+  EXPECT_GT(error.at("nextAttemptAt").get<std::int64_t>(), Date::now().unixMillis() + 50'000);
   EXPECT_EQ(error.at("message"),
             "Günün ölçümü başka bir paylaşımla güncellendi. Sağlık verisi yeniden okunup tekrar denenecek.");
 }

@@ -96,6 +96,7 @@ LoopbackEvidenceService::Answer LoopbackEvidenceService::handle(const std::strin
     if (action == "createAttestationChallenge") answer = createChallenge(request);
     else if (action == "registerDeviceKey") answer = registerKey(request);
     else if (action == "walkingContext") answer = context(request);
+    else if (action == "walkingKovis") answer = kovis(request);
     else if (action == "submitWalkingEvidence") answer = submit(request, body);
     else if (action == "transferEvidenceWriter") answer = transfer(request);
     else answer = {400, refusal("walking_evidence_request_rejected")};
@@ -192,6 +193,13 @@ LoopbackEvidenceService::Answer LoopbackEvidenceService::context(const Json& req
   return {200, Json{{"context", context},
                     {"chain", {{"chainId", 8453}, {"registryAddress", "0x" + std::string(40, 'a')}, {"koviId", "42"}}}}
                    .dump()};
+}
+
+LoopbackEvidenceService::Answer LoopbackEvidenceService::kovis(const Json& request) {
+  // One kovi: the first page holds it, and a cursor past it gives an empty last page.
+  if (!request.at("cursor").is_null()) return {200, Json{{"kovis", Json::array()}, {"nextCursor", nullptr}}.dump()};
+  if (request.at("limit").get<int>() < 1) return {400, refusal("walking_evidence_request_rejected")};
+  return {200, Json{{"kovis", {{{"reference", reference_}}}}, {"nextCursor", "after-" + reference_}}.dump()};
 }
 
 std::optional<std::string> LoopbackEvidenceService::checkAssertion(const std::string& keyId,

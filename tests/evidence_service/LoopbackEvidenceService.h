@@ -80,6 +80,7 @@ class LoopbackEvidenceService {
   Answer createChallenge(const nlohmann::ordered_json& request);
   Answer registerKey(const nlohmann::ordered_json& request);
   Answer context(const nlohmann::ordered_json& request);
+  Answer kovis(const nlohmann::ordered_json& request);
   Answer submit(const nlohmann::ordered_json& request, const std::string& body);
   Answer transfer(const nlohmann::ordered_json& request);
   // The challenge named, checked for purpose, expiry and reuse; marks it used.

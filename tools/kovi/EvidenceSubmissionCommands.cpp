@@ -60,11 +60,15 @@ void addServiceOptions(CLI::App* command, DeviceOptions& options) {
       ->required();
 }
 
+// A refusal, with the earliest time an uploader would try again after it
+// (the first failure of its class; the tool keeps no history between runs).
 Json errorJson(const V6EvidenceSubmissionError& error) {
+  const auto backoff = WalkingEvidenceBackoff{}.afterFailure(error.failure, Date::now().unixMillis());
   return {{"code", error.code},
           {"message", error.message},
           {"failure", enumName(error.failure)},
-          {"detail", error.detail}};
+          {"detail", error.detail},
+          {"nextAttemptAt", backoff.nextAttemptAt ? Json(*backoff.nextAttemptAt) : Json()}};
 }
 
 // ---- envelope ----
@@ -195,7 +199,7 @@ void addRegisterCommand(CLI::App& evidence) {
       "\"registerDeviceKey\" challenge, a new key attested over its SHA-256, the registration.\n"
       "The account's earlier key becomes a replaced key, so its kovis' evidence writer can move\n"
       "to the new one. Prints {\"keyId\", \"serverDeviceKeyId\", \"replacedServerDeviceKeyIds\"};\n"
-      "a refusal prints {\"code\", \"message\", \"failure\", \"detail\"} and exits 1.");
+      "a refusal prints {\"code\", \"message\", \"failure\", \"detail\", \"nextAttemptAt\"} and exits 1.");
   addServiceOptions(command, *options);
   command->callback([options] {
     auto session = openSession(*options);
@@ -266,7 +270,7 @@ void addSubmitCommand(CLI::App& evidence) {
       "the kovi's context and writer (moved first from this device's replaced key), the day plan,\n"
       "a challenge, the envelope and its assertion, the pending record, the request.\n"
       "Prints one JSON line per day ({\"day\", \"outcome\": submit|unchanged|noData|failed, …}) and\n"
-      "then {\"receipt\": …}. A refusal prints {\"code\", \"message\", \"failure\", \"detail\"} and exits 1;\n"
+      "then {\"receipt\": …}. A refusal prints {\"code\", \"message\", \"failure\", \"detail\", \"nextAttemptAt\"} and exits 1;\n"
       "run again after a lost answer and the pending record is resent with the same requestId.");
   command->add_option("REFERENCE", options->reference, "The kovi reference")->required();
   command->add_option("--reads", options->reads, "The reads JSON file, or - for standard input")->required();
