@@ -8,6 +8,7 @@
 // the system temporary directory), so the disk under test can be chosen.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
+#include <openssl/ec.h>
 #include <openssl/evp.h>
 #include <unistd.h>
 
