@@ -13,7 +13,8 @@
 // Decoding requires every non-optional key, reads an absent or null optional
 // as no value and stops at the first failing field, whose key path the error
 // names. Encoding writes the keys in declared order. A `Date` travels as
-// floating seconds since 2001-01-01T00:00:00Z, its JSON form throughout.
+// floating seconds since 2001-01-01T00:00:00Z, its JSON form throughout, and
+// bytes (`std::vector<std::uint8_t>`) as canonical padded base64.
 // A record that extends another lists the base record's fields first
 // (`std::tuple_cat` of the base's list and its own).
 //
@@ -37,6 +38,7 @@
 #include <utility>
 #include <vector>
 
+#include "KoviKit/foundation/Base64.h"
 #include "KoviKit/foundation/Json.h"
 #include "KoviKit/foundation/Time.h"
 
@@ -272,6 +274,8 @@ nlohmann::ordered_json encodeValue(const Value& value) {
     return nlohmann::ordered_json(value);
   } else if constexpr (json_record::isOptional<Value>) {
     return value ? encodeValue(*value) : nlohmann::ordered_json(nullptr);
+  } else if constexpr (std::is_same_v<Value, std::vector<std::uint8_t>>) {
+    return base64Encode(value);
   } else if constexpr (json_record::isVector<Value>) {
     nlohmann::ordered_json array = nlohmann::ordered_json::array();
     for (const auto& item : value) array.push_back(encodeValue(item));

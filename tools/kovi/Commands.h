@@ -17,6 +17,7 @@ void addInviteCommands(CLI::App& app);
 void addRulesCommands(CLI::App& app);
 void addEvidenceReadCommands(CLI::App& app);
 void addWorkingSessionCommands(CLI::App& app);
+void addEvidenceSubmissionCommands(CLI::App& app);
 
 // The command group `name` (`evidence`, `working`, `wallet`, …), added on
 // first use, so that several files can each add their commands to one group.
