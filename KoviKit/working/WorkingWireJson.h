@@ -16,11 +16,16 @@ namespace kovi {
 
 // A part of a service answer that the client passes on without reading it
 // (the coordinator and protection states, presence entries, break warnings).
+// Its object keys come back sorted: the parser does not keep their order.
 using WorkingOpaqueJson = nlohmann::ordered_json;
 
+// How deep an opaque part may nest; copying it walks it recursively.
+inline constexpr std::size_t kWorkingOpaqueJsonDepthLimit = 32;
+
+// Takes the value as it is, after checking it nests no deeper than the limit.
 template <>
 struct JsonDecoder<WorkingOpaqueJson> {
-  static Decoded<WorkingOpaqueJson> decode(const JsonView& json) { return WorkingOpaqueJson(json.json()); }
+  static Decoded<WorkingOpaqueJson> decode(const JsonView& json);
 };
 
 // An object whose values are all strings, such as account ids to names.

@@ -67,6 +67,9 @@ TEST(WorkingWireTest, RefusalsNameTheKeyPath) {
       {"device-response", R"("sequence":88,)", "", "device.sequence: missing key"},
       {"detail-response", R"("acc_can":"Can")", R"("acc_can":7)", "memberNames.acc_can: expected a string"},
       {"session", R"("epoch":3,"sequence":12)", R"("epoch":3,"epoch":4,"sequence":12)", "epoch: duplicate key"},
+      // Parts passed on unread must still be safe to copy.
+      {"detail-response", R"("ownOvertime":{"minutes":12})",
+       R"("ownOvertime":)" + std::string(40, '[') + std::string(40, ']'), "ownOvertime: nested deeper than 32"},
   };
   for (const RefusalCase& test : cases) {
     SCOPED_TRACE(test.type + ": " + test.to);
