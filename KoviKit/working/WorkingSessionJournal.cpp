@@ -14,23 +14,25 @@ std::expected<void, WorkingSessionJournalError> validateWorkingSessionJournal(co
     return invalid("version " + std::to_string(journal.version) + " is not " +
                    std::to_string(WorkingSessionJournal::currentVersion));
   }
-  const std::pair<std::string_view, const std::string*> identifiers[] = {
-      {"ownerID", &journal.ownerID}, {"roomID", &journal.roomID}, {"sessionID", &journal.sessionID}};
-  for (const auto& [name, value] : identifiers) {
-    if (value->empty()) return invalid(std::string(name) + " is empty");
-  }
-  const std::tuple<std::string_view, const std::string*, std::size_t> texts[] = {
-      {"ownerID", &journal.ownerID, kWorkingJournalIdentifierLimit},
-      {"roomID", &journal.roomID, kWorkingJournalIdentifierLimit},
-      {"sessionID", &journal.sessionID, kWorkingJournalIdentifierLimit},
-      {"label", &journal.label, kWorkingJournalLabelLimit},
-      {"intention", &journal.intention, kWorkingJournalIntentionLimit},
-      {"note", &journal.note, kWorkingJournalNoteLimit},
-      {"completedOutput", &journal.completedOutput, kWorkingJournalCompletedOutputLimit},
+  struct Text {
+    std::string_view name;
+    const std::string* value;
+    std::size_t limit;
+    bool identifies;  // identifiers must not be empty
   };
-  for (const auto& [name, value, limit] : texts) {
-    if (value->size() > limit) {
-      return invalid(std::string(name) + " is longer than " + std::to_string(limit) + " bytes");
+  const Text texts[] = {
+      {"ownerID", &journal.ownerID, kWorkingJournalIdentifierLimit, true},
+      {"roomID", &journal.roomID, kWorkingJournalIdentifierLimit, true},
+      {"sessionID", &journal.sessionID, kWorkingJournalIdentifierLimit, true},
+      {"label", &journal.label, kWorkingJournalLabelLimit, false},
+      {"intention", &journal.intention, kWorkingJournalIntentionLimit, false},
+      {"note", &journal.note, kWorkingJournalNoteLimit, false},
+      {"completedOutput", &journal.completedOutput, kWorkingJournalCompletedOutputLimit, false},
+  };
+  for (const Text& text : texts) {
+    if (text.identifies && text.value->empty()) return invalid(std::string(text.name) + " is empty");
+    if (text.value->size() > text.limit) {
+      return invalid(std::string(text.name) + " is longer than " + std::to_string(text.limit) + " bytes");
     }
   }
   if (journal.updatedAt < 0) return invalid("updatedAt is before 1970");

@@ -5,15 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "KoviKit/attest/P256Verification.h"
-#include "KoviKit/attest/PurposeSigning.h"
 #include "KoviKit/attest/SoftwareDeviceKeyService.h"
-#include "KoviKit/foundation/Base64.h"
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/working/WorkingAPI.h"
 #include "KoviKit/working/WorkingCheckpointWriter.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/working/CheckpointSignature.h"
 
 namespace kovi {
 namespace {
@@ -106,11 +104,7 @@ class LoopbackWorkingService {
         checkpoint.epoch != session_.epoch || checkpoint.deviceID != session_.deviceID) {
       return answerError(response, 409, "working_session_conflict");
     }
-    const auto compact = base64Decode(upload->signature);
-    const auto hash = purposeSignedHash(kWorkingCheckpointPurpose, "checkpoint", encodeRecord(checkpoint));
-    if (!compact || compact->size() <= 36 || !hash) return answerError(response, 400, "working_verifier_signature_invalid");
-    const AppAttestAssertion assertion{{compact->begin(), compact->begin() + 36}, {compact->begin() + 36, compact->end()}};
-    const auto counter = verifyAssertion(publicKey_, kAppIdentity, *hash, assertion);
+    const auto counter = testing::verifyCheckpointSignature(*upload, publicKey_, kAppIdentity);
     if (!counter || *counter <= lastCounter_) return answerError(response, 400, "working_verifier_signature_invalid");
     lastCounter_ = *counter;
     for (const auto& segment : checkpoint.segments) {

@@ -2,13 +2,11 @@
 
 #include <vector>
 
-#include "KoviKit/attest/P256Verification.h"
-#include "KoviKit/attest/PurposeSigning.h"
 #include "KoviKit/attest/SoftwareDeviceKeyService.h"
-#include "KoviKit/foundation/Base64.h"
 #include "KoviKit/working/WorkingCheckpointChain.h"
 #include "KoviKit/working/WorkingCheckpointWriter.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/working/CheckpointSignature.h"
 
 namespace kovi {
 namespace {
@@ -39,20 +37,6 @@ class SwitchableKeys final : public DeviceKeyService {
   SoftwareDeviceKeyService& keys_;
 };
 
-// The signature of `signed_` checks out against the key, as the service
-// checks it: over the hash of {"purpose", "checkpoint"}.
-void expectSignedByKey(const WorkingSignedCheckpoint& signed_, std::span<const std::uint8_t> publicKey) {
-  const auto compact = base64Decode(signed_.signature);
-  ASSERT_TRUE(compact.has_value());
-  // 36 bytes of authenticator data (app identity hash and counter), then DER.
-  ASSERT_GT(compact->size(), 36u);
-  const AppAttestAssertion assertion{{compact->begin(), compact->begin() + 36}, {compact->begin() + 36, compact->end()}};
-  const auto hash =
-      purposeSignedHash("kovi-working-checkpoint-v1", "checkpoint", encodeRecord(signed_.checkpoint));
-  ASSERT_TRUE(hash.has_value());
-  EXPECT_TRUE(verifyAssertion(publicKey, kAppIdentity, *hash, assertion).has_value());
-}
-
 TEST(WorkingCheckpointWriterTest, TimelineBecomesAVerifiedSignedChain) {
   const testing::TemporaryDirectory directory;
   SoftwareDeviceKeyService software(directory.path(), kAppIdentity);
@@ -69,7 +53,8 @@ TEST(WorkingCheckpointWriterTest, TimelineBecomesAVerifiedSignedChain) {
     auto signed_ = writer.write(timeline, at, at - kStart + 900, final);
     EXPECT_TRUE(signed_.has_value());
     if (!signed_) return;
-    expectSignedByKey(*signed_, software.publicKey(*keyId).value());
+    const auto signature = testing::verifyCheckpointSignature(*signed_, software.publicKey(*keyId).value(), kAppIdentity);
+    EXPECT_TRUE(signature.has_value()) << signature.error();
     chain.push_back(signed_->checkpoint);
   };
   write(kStart + 30'000, false);

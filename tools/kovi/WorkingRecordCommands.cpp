@@ -20,7 +20,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr const char* kWorkingGroupDescription =
-    "Working sessions: checkpoint chains, journals and the remote session wire";
+    "Working sessions and their records";
 
 // Reads FILE; says why and ends with `status` when it cannot.
 std::optional<std::string> readOrReport(const std::string& path, int status) {
@@ -129,18 +129,14 @@ void addDecodeCommand(CLI::App& working) {
   };
   auto options = std::make_shared<Options>();
   std::vector<std::string> names;
-  std::string list;
-  for (const WorkingWireRecordType& type : workingWireRecordTypes()) {
-    names.emplace_back(type.name);
-    list += (list.empty() ? "" : ", ") + std::string(type.name);
-  }
+  for (const WorkingWireRecordType& type : workingWireRecordTypes()) names.emplace_back(type.name);
   CLI::App* decode = working.add_subcommand(
       "decode",
-      "Decode FILE as one record of the remote working wire, the way the client reads the\n"
-      "service (unknown keys ignored, optionals null or absent, unknown enumeration values\n"
-      "and repeated keys refused), and print it re-encoded in declared key order. A record\n"
-      "that does not decode exits 1 with its key path and the reason.\nTYPE is one of: " +
-          list);
+      "Decode FILE as one record of the remote working wire and print it re-encoded.\n"
+      "The record is read the way the client reads the service (unknown keys ignored,\n"
+      "optionals null or absent, unknown enumeration values and repeated keys refused) and\n"
+      "written in declared key order. A record that does not decode exits 1 with its key\n"
+      "path and the reason; an unreadable FILE exits 2.");
   decode->add_option("TYPE", options->type, "The record type")->required()->check(CLI::IsMember(names));
   decode->add_option("FILE", options->file, "The record's JSON file, or - for standard input")->required();
   decode->callback([options] {
