@@ -43,6 +43,18 @@ std::expected<void, WorkingAcknowledgementRefusal> recordAcknowledgement(Working
   return {};
 }
 
+Decoded<WorkingRemoteSession::Integrity> JsonDecoder<WorkingRemoteSession::Integrity>::decode(const JsonView& json) {
+  auto integrity = decodeRecord<WorkingRemoteSession::Integrity>(json);
+  if (!integrity) return integrity;
+  std::int64_t covered = 0;
+  if (integrity->acceptedMS < 0 || integrity->missingMS < 0 || integrity->recoveredMS < 0 ||
+      integrity->recoveredMS > integrity->acceptedMS ||
+      __builtin_add_overflow(integrity->acceptedMS, integrity->missingMS, &covered)) {
+    return std::unexpected(json.error(std::string(kWorkingInvalidIntegrityTotals)));
+  }
+  return integrity;
+}
+
 const WorkingRemoteCommand* commandInForce(const WorkingRemoteSession& session, UnixMillis now) {
   const WorkingRemoteCommand* inForce = nullptr;
   for (const WorkingRemoteCommand& command : session.commands) {

@@ -148,6 +148,17 @@ struct JsonRecordFields<WorkingRemoteSession::Integrity> : LenientJsonRecord {
                  field("confidence", &R::confidence)};
 };
 
+// The internal reason an integrity summary with impossible totals is refused.
+inline constexpr std::string_view kWorkingInvalidIntegrityTotals = "Invalid Working integrity millisecond totals";
+
+// An integrity summary decodes by its field list and is then held to its
+// totals: none negative, the recovered time inside the accepted time (it is
+// part of it, never added twice) and accepted plus missing time within range.
+template <>
+struct JsonDecoder<WorkingRemoteSession::Integrity> {
+  static Decoded<WorkingRemoteSession::Integrity> decode(const JsonView& json);
+};
+
 template <>
 struct JsonRecordFields<WorkingRemoteSession::ScheduledArm> : LenientJsonRecord {
   using R = WorkingRemoteSession::ScheduledArm;

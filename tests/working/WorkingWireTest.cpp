@@ -67,6 +67,11 @@ TEST(WorkingWireTest, RefusalsNameTheKeyPath) {
       {"device-response", R"("sequence":88,)", "", "device.sequence: missing key"},
       {"detail-response", R"("acc_can":"Can")", R"("acc_can":7)", "memberNames.acc_can: expected a string"},
       {"session", R"("epoch":3,"sequence":12)", R"("epoch":3,"epoch":4,"sequence":12)", "epoch: duplicate key"},
+      {"session", R"("recoveredMS":60000)", R"("recoveredMS":3120001)",
+       "integrity: Invalid Working integrity millisecond totals"},
+      {"session", R"("missingMS":0)", R"("missingMS":-1)", "integrity: Invalid Working integrity millisecond totals"},
+      {"session", R"("missingMS":0)", R"("missingMS":9223372036854775807)",
+       "integrity: Invalid Working integrity millisecond totals"},
       // Parts passed on unread must still be safe to copy.
       {"detail-response", R"("ownOvertime":{"minutes":12})",
        R"("ownOvertime":)" + std::string(40, '[') + std::string(40, ']'), "ownOvertime: nested deeper than 32"},
