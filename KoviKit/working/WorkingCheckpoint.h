@@ -8,6 +8,7 @@
 
 #include "KoviKit/foundation/CanonicalJsonWriter.h"
 #include "KoviKit/foundation/JsonRecordCoding.h"
+#include "KoviKit/foundation/Sha256.h"
 #include "KoviKit/foundation/Time.h"
 #include "KoviKit/working/WorkingTimeSegment.h"
 
@@ -53,8 +54,9 @@ inline constexpr std::string_view kWorkingCheckpointGenesisHash =
 // record because verifying a chain hashes every checkpoint in it.
 void writeCanonicalJson(CanonicalJsonWriter& writer, const WorkingCheckpoint& checkpoint);
 std::string workingCheckpointCanonicalJson(const WorkingCheckpoint& checkpoint);
-// Lowercase hex SHA-256 of the canonical JSON: what the next checkpoint's
-// `previousHash` names.
+// SHA-256 of the canonical JSON, and its lowercase hex: what the next
+// checkpoint's `previousHash` names.
+Sha256Digest workingCheckpointDigest(const WorkingCheckpoint& checkpoint);
 std::string workingCheckpointHash(const WorkingCheckpoint& checkpoint);
 
 // Checkpoints are hashed, so their documents are strict: exactly the listed
