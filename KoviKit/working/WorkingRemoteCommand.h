@@ -11,6 +11,9 @@
 #include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/foundation/Time.h"
 #include "KoviKit/working/WorkingCommandAcknowledgement.h"
+#include "KoviKit/working/WorkingProtectionCoding.h"
+#include "KoviKit/working/WorkingProtectionPolicy.h"
+#include "KoviKit/working/WorkingProtectionTransition.h"
 #include "KoviKit/working/WorkingWireJson.h"
 
 namespace kovi {
@@ -19,8 +22,6 @@ namespace kovi {
 // a bypass), with what became of it.
 struct WorkingRemoteCommand {
   enum class Status { pending, applied, rejected, expired, superseded };
-  // The protection mode a command asks for.
-  enum class ProtectionMode { active, break_, bypass, emergency };
 
   // The Mac's signed acknowledgement as the service received it.
   struct Receipt : WorkingCommandAcknowledgement {
@@ -29,10 +30,10 @@ struct WorkingRemoteCommand {
     bool operator==(const Receipt&) const = default;
   };
 
-  // A protection transition the Mac made on its own (idle, pomodoro), signed
-  // by it; the transition travels as the Mac wrote it.
+  // A protection transition the Mac made on its own (idle, pomodoro), with
+  // its signature.
   struct AutomaticTransition {
-    WorkingOpaqueJson transition;
+    WorkingProtectionTransition transition;
     std::string signature;
     bool operator==(const AutomaticTransition&) const = default;
   };
@@ -48,7 +49,7 @@ struct WorkingRemoteCommand {
   std::optional<bool> fenceActive;
   std::optional<Receipt> ack;
   std::optional<std::int64_t> protectionRevision;
-  std::optional<ProtectionMode> protectionMode;
+  std::optional<WorkingProtectionPolicy::Mode> protectionMode;
   std::optional<UnixMillis> bypassUntil;
   std::optional<std::string> expectedCommandID;
   std::optional<AutomaticTransition> automaticTransition;
@@ -64,14 +65,6 @@ struct EnumNames<WorkingRemoteCommand::Status> {
       std::pair{S::pending, std::string_view("pending")}, std::pair{S::applied, std::string_view("applied")},
       std::pair{S::rejected, std::string_view("rejected")}, std::pair{S::expired, std::string_view("expired")},
       std::pair{S::superseded, std::string_view("superseded")}};
-};
-
-template <>
-struct EnumNames<WorkingRemoteCommand::ProtectionMode> {
-  using M = WorkingRemoteCommand::ProtectionMode;
-  static constexpr std::array table{
-      std::pair{M::active, std::string_view("active")}, std::pair{M::break_, std::string_view("break")},
-      std::pair{M::bypass, std::string_view("bypass")}, std::pair{M::emergency, std::string_view("emergency")}};
 };
 
 template <>
