@@ -16,6 +16,7 @@ void addWalkingCommands(CLI::App& app);
 void addInviteCommands(CLI::App& app);
 void addRulesCommands(CLI::App& app);
 void addEvidenceReadCommands(CLI::App& app);
+void addWorkingRecordCommands(CLI::App& app);
 void addWorkingSessionCommands(CLI::App& app);
 void addEvidenceSubmissionCommands(CLI::App& app);
 

@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
   kovi::tool::addInviteCommands(app);
   kovi::tool::addRulesCommands(app);
   kovi::tool::addEvidenceReadCommands(app);
+  kovi::tool::addWorkingRecordCommands(app);
   kovi::tool::addWorkingSessionCommands(app);
   kovi::tool::addEvidenceSubmissionCommands(app);
 
