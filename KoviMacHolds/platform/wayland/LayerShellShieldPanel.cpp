@@ -149,8 +149,14 @@ void LayerShellShieldPanel::bringForward() {
   zwlr_layer_surface_v1_set_anchor(layerSurface_, 0);
   zwlr_layer_surface_v1_set_size(layerSurface_, static_cast<std::uint32_t>(pixels(layout_.size.width)),
                                  static_cast<std::uint32_t>(pixels(layout_.size.height)));
-  zwlr_layer_surface_v1_set_keyboard_interactivity(layerSurface_,
-                                                   ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
+  // On demand where the compositor speaks it: the shield takes the keyboard
+  // when it appears or is clicked, yet the person can still bring another
+  // window to the front, as with a floating panel. Older compositors only
+  // know exclusive, which keeps the keyboard until the shield goes.
+  zwlr_layer_surface_v1_set_keyboard_interactivity(
+      layerSurface_, zwlr_layer_surface_v1_get_version(layerSurface_) >= ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND_SINCE_VERSION
+                         ? ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND
+                         : ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
   configured_ = false;
   wl_surface_commit(surface_);
   // Hiding the held application moved the compositor's focus elsewhere; the

@@ -15,6 +15,10 @@ struct WlrToplevelWorkspace::Toplevel {
   std::string pendingAppId;
   bool pendingActivated = false;
   bool pendingMinimized = false;
+  // Activated by any state event of the batch: sway can activate a new
+  // window and hand the keyboard straight back to a layer surface (the
+  // shield) within one batch; the window still came to the front.
+  bool activatedInBatch = false;
   std::string appId;
   bool activated = false;
   bool minimized = false;
@@ -44,7 +48,10 @@ void handleState(void* data, zwlr_foreign_toplevel_handle_v1*, wl_array* states)
   toplevel.pendingMinimized = false;
   const auto* values = static_cast<const std::uint32_t*>(states->data);
   for (std::size_t index = 0; index < states->size / sizeof(std::uint32_t); ++index) {
-    if (values[index] == ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_ACTIVATED) toplevel.pendingActivated = true;
+    if (values[index] == ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_ACTIVATED) {
+      toplevel.pendingActivated = true;
+      toplevel.activatedInBatch = true;
+    }
     if (values[index] == ZWLR_FOREIGN_TOPLEVEL_HANDLE_V1_STATE_MINIMIZED) toplevel.pendingMinimized = true;
   }
 }
@@ -136,7 +143,9 @@ void WlrToplevelWorkspace::toplevelDone(Toplevel& toplevel) {
   }
   toplevel.activated = toplevel.pendingActivated;
   toplevel.minimized = toplevel.pendingMinimized;
-  if (toplevel.activated && !wasActivated) {
+  const bool cameForward = toplevel.activatedInBatch && !wasActivated;
+  toplevel.activatedInBatch = false;
+  if (cameForward) {
     toplevel.activatedAt = ++activations_;
     if (!hiding_ && toplevel.number != 0) {
       queued_.push_back({MacWorkspaceEvent::didActivateApplication, toplevel.number});
