@@ -1,0 +1,243 @@
+// The holds agent on headless sway, running the real kovi-holds on its demo
+// schedule with a stand-in Discord (held) and stand-ins for Firefox and VS
+// Code (never held by the demo schedule), each a foot terminal with that
+// app_id. sway ignores minimise, so the agent hides by moving the
+// application's windows to the scratchpad.
+//
+// - Activation to hidden: the held window is taken out of the scratchpad,
+//   which brings it to the front; measured until sway shows it back in the
+//   scratchpad. Baseline: focusing the browser until sway reports it
+//   focused, the compositor's own share of the round trip.
+// - Idle CPU: the agent's CPU time over a quiet stretch (default 60 s) with
+//   the hold in force. Baseline: a stand-in terminal, an idle Wayland client.
+// - Memory: the agent's resident set with the shield shown. Baseline: the
+//   stand-in's.
+//
+//   bench_holds_agent_wayland [--idle-seconds N] [Google Benchmark flags]
+#include <benchmark/benchmark.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "KoviMacHolds/platform/wayland/demo/PrivateSway.h"
+
+namespace {
+
+using kovi::holds::wayland::ChildProcess;
+using kovi::holds::wayland::PrivateSway;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds kSettle{10000};
+
+struct Stage {
+  std::filesystem::path scratch;
+  std::optional<PrivateSway> sway;
+  std::optional<ChildProcess> discord;
+  std::optional<ChildProcess> firefox;
+  std::optional<ChildProcess> editor;
+  std::optional<ChildProcess> agent;
+};
+
+Stage* gStage = nullptr;
+std::vector<double> gHeld;   // scratchpad show → back in the scratchpad, ms
+std::vector<double> gPlain;  // focus command → focused, ms
+
+[[noreturn]] void fail(const std::string& message) {
+  std::cerr << "bench_holds_agent_wayland: " << message << '\n';
+  std::exit(1);
+}
+
+bool waitFor(const std::function<bool()>& condition) { return kovi::holds::x11::waitUntil(condition, kSettle); }
+
+void startStandIn(Stage& stage, std::optional<ChildProcess>& process, const std::string& appId) {
+  auto started = stage.sway->startStandIn(appId);
+  if (!started) fail(started.error());
+  process.emplace(std::move(*started));
+  if (!waitFor([&] { return stage.sway->window(appId).has_value(); })) fail(appId + " did not map its window");
+}
+
+bool hidden(const std::string& appId) {
+  const auto window = gStage->sway->window(appId);
+  return window && window->inScratchpad;
+}
+
+bool focused(const std::string& appId) {
+  const auto window = gStage->sway->window(appId);
+  return window && window->focused;
+}
+
+void setUp(Stage& stage) {
+  if (!PrivateSway::isAvailable()) fail("sway, foot and grim are needed");
+  char pattern[] = "/tmp/kovi-bench-XXXXXX";
+  if (mkdtemp(pattern) == nullptr) fail("no scratch directory");
+  stage.scratch = pattern;
+  std::filesystem::create_directories(stage.scratch / "data");
+  auto sway = PrivateSway::start(stage.scratch);
+  if (!sway) fail(sway.error());
+  stage.sway.emplace(std::move(*sway));
+  startStandIn(stage, stage.editor, "code");
+  startStandIn(stage, stage.firefox, "firefox");
+  startStandIn(stage, stage.discord, "discord");
+  auto agent = stage.sway->startProgram({KOVI_HOLDS_BINARY, "run", "--demo"},
+                                        {{"XDG_DATA_HOME", (stage.scratch / "data").string()}}, std::nullopt,
+                                        stage.scratch / "agent.log");
+  if (!agent) fail(agent.error());
+  stage.agent.emplace(std::move(*agent));
+  if (!waitFor([] { return hidden("discord"); })) fail("the agent did not hide the held window");
+}
+
+double millisSince(Clock::time_point start) {
+  return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+// Polls sway's tree until `condition` holds; sway answers a tree request in
+// well under a millisecond here.
+bool poll(const std::function<bool()>& condition) {
+  const auto deadline = Clock::now() + kSettle;
+  while (Clock::now() < deadline) {
+    if (condition()) return true;
+    std::this_thread::sleep_for(std::chrono::microseconds(500));
+  }
+  return false;
+}
+
+void BM_HeldWindowActivationToHidden(benchmark::State& state) {
+  auto& sway = *gStage->sway;
+  for (auto _ : state) {
+    // Each round starts where a person would: the held application hidden,
+    // another one in front (which puts the shield away).
+    if (!sway.command("[app_id=\"code\"] focus") || !waitFor([] { return hidden("discord") && focused("code"); })) {
+      state.SkipWithError("the editor did not come to the front");
+      break;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));  // the agent puts the shield away
+    const auto start = Clock::now();
+    if (!sway.command("[app_id=\"discord\"] scratchpad show")) {
+      state.SkipWithError("sway did not show the held window");
+      break;
+    }
+    if (!poll([] { return hidden("discord"); })) {
+      std::ifstream log(gStage->scratch / "agent.log");
+      std::cerr << "agent log:\n" << std::string(std::istreambuf_iterator<char>(log), {});
+      state.SkipWithError("the held window was not hidden again");
+      break;
+    }
+    gHeld.push_back(millisSince(start));
+    state.SetIterationTime(gHeld.back() / 1000);
+  }
+}
+
+void BM_PlainActivation(benchmark::State& state) {
+  auto& sway = *gStage->sway;
+  for (auto _ : state) {
+    const auto start = Clock::now();
+    if (!sway.command("[app_id=\"firefox\"] focus") || !poll([] { return focused("firefox"); })) {
+      state.SkipWithError("the browser did not come to the front");
+      break;
+    }
+    gPlain.push_back(millisSince(start));
+    state.SetIterationTime(gPlain.back() / 1000);
+    // Another application the demo never holds in front again.
+    sway.command("[app_id=\"code\"] focus");
+    waitFor([] { return focused("code"); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+}
+
+BENCHMARK(BM_HeldWindowActivationToHidden)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(100);
+BENCHMARK(BM_PlainActivation)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(100);
+
+double percentile(std::vector<double> values, double fraction) {
+  if (values.empty()) return 0;
+  std::ranges::sort(values);
+  const auto index = static_cast<std::size_t>(fraction * static_cast<double>(values.size() - 1) + 0.5);
+  return values[index];
+}
+
+double cpuSeconds(pid_t pid) {
+  std::ifstream in("/proc/" + std::to_string(pid) + "/schedstat");
+  unsigned long long nanoseconds = 0;
+  in >> nanoseconds;
+  return static_cast<double>(nanoseconds) / 1e9;
+}
+
+double residentMB(pid_t pid) {
+  std::ifstream in("/proc/" + std::to_string(pid) + "/status");
+  std::string line;
+  while (std::getline(in, line)) {
+    if (line.rfind("VmRSS:", 0) == 0) return std::stod(line.substr(6)) / 1024;
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  int idleSeconds = 60;
+  std::vector<char*> arguments;
+  for (int index = 0; index < argc; ++index) {
+    if (std::strcmp(argv[index], "--idle-seconds") == 0 && index + 1 < argc) {
+      idleSeconds = std::atoi(argv[++index]);
+    } else {
+      arguments.push_back(argv[index]);
+    }
+  }
+  if (idleSeconds <= 0) fail("--idle-seconds takes a positive number of seconds");
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+
+  Stage stage;
+  setUp(stage);
+  gStage = &stage;
+  benchmark::RunSpecifiedBenchmarks();
+
+  const double heldP50 = percentile(gHeld, 0.5), heldP95 = percentile(gHeld, 0.95);
+  const double plainP95 = percentile(gPlain, 0.95);
+  std::printf("activation to hidden on sway: p50 %.2f ms, p95 %.2f ms over %zu activations (target p95 < 50 ms)\n",
+              heldP50, heldP95, gHeld.size());
+  std::printf("ratio: held activation p95 / plain activation p95 = %.1fx (%.2f ms)\n", heldP95 / plainP95, plainP95);
+
+  // The held window once more, so the shield is up; then the agent only waits.
+  stage.sway->command("[app_id=\"code\"] focus");
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  stage.sway->command("[app_id=\"discord\"] scratchpad show");
+  waitFor([] { return hidden("discord"); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  const pid_t agent = stage.agent->pid(), standIn = stage.discord->pid();
+  const double agentBefore = cpuSeconds(agent), standInBefore = cpuSeconds(standIn);
+  std::this_thread::sleep_for(std::chrono::seconds(idleSeconds));
+  const double agentPercent = (cpuSeconds(agent) - agentBefore) / idleSeconds * 100;
+  const double standInPercent = (cpuSeconds(standIn) - standInBefore) / idleSeconds * 100;
+  std::printf("idle CPU over %d s with a hold in force: agent %.4f%% of a core (target < 0.1%%), idle foot %.4f%%\n",
+              idleSeconds, agentPercent, standInPercent);
+  if (standInPercent > 0) {
+    std::printf("ratio: agent idle CPU / idle foot = %.1fx\n", agentPercent / standInPercent);
+  } else {
+    std::printf("ratio: agent idle CPU / idle foot: foot used no measurable CPU (%.1f ms for the agent)\n",
+                agentPercent * idleSeconds * 10);
+  }
+  const auto paper = stage.sway->colorAt((PrivateSway::width - 480) / 2 + 6, PrivateSway::height / 2);
+  const bool shieldUp = paper && *paper == kovi::holds::wayland::SwayColor{245, 240, 234};
+  const double agentMB = residentMB(agent), standInMB = residentMB(standIn);
+  std::printf("resident memory with the shield %s: agent %.1f MB (target < 25 MB), idle foot %.1f MB\n",
+              shieldUp ? "shown" : "NOT shown", agentMB, standInMB);
+  std::printf("ratio: agent RSS / idle foot RSS = %.1fx\n", agentMB / standInMB);
+
+  stage.agent.reset();
+  stage.discord.reset();
+  stage.firefox.reset();
+  stage.editor.reset();
+  stage.sway.reset();
+  std::filesystem::remove_all(stage.scratch);
+  return 0;
+}
