@@ -30,6 +30,7 @@
 #include <vector>
 
 #include "KoviMacHolds/platform/wayland/demo/PrivateSway.h"
+#include "bench/holds_agent/HoldsAgentMeasures.h"
 
 namespace {
 
@@ -157,42 +158,12 @@ void BM_PlainActivation(benchmark::State& state) {
 BENCHMARK(BM_HeldWindowActivationToHidden)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(100);
 BENCHMARK(BM_PlainActivation)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(100);
 
-double percentile(std::vector<double> values, double fraction) {
-  if (values.empty()) return 0;
-  std::ranges::sort(values);
-  const auto index = static_cast<std::size_t>(fraction * static_cast<double>(values.size() - 1) + 0.5);
-  return values[index];
-}
-
-double cpuSeconds(pid_t pid) {
-  std::ifstream in("/proc/" + std::to_string(pid) + "/schedstat");
-  unsigned long long nanoseconds = 0;
-  in >> nanoseconds;
-  return static_cast<double>(nanoseconds) / 1e9;
-}
-
-double residentMB(pid_t pid) {
-  std::ifstream in("/proc/" + std::to_string(pid) + "/status");
-  std::string line;
-  while (std::getline(in, line)) {
-    if (line.rfind("VmRSS:", 0) == 0) return std::stod(line.substr(6)) / 1024;
-  }
-  return 0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  int idleSeconds = 60;
+  using namespace kovi::holds::bench;
   std::vector<char*> arguments;
-  for (int index = 0; index < argc; ++index) {
-    if (std::strcmp(argv[index], "--idle-seconds") == 0 && index + 1 < argc) {
-      idleSeconds = std::atoi(argv[++index]);
-    } else {
-      arguments.push_back(argv[index]);
-    }
-  }
-  if (idleSeconds <= 0) fail("--idle-seconds takes a positive number of seconds");
+  const int idleSeconds = takeIdleSeconds(argc, argv, arguments);
   int count = static_cast<int>(arguments.size());
   benchmark::Initialize(&count, arguments.data());
 

@@ -1,7 +1,6 @@
 #include "KoviMacHolds/platform/wayland/WaylandAgent.h"
 
-#include "KoviMacHolds/platform/linux/LinuxAgentPreferences.h"
-#include "KoviMacHolds/platform/linux/LinuxLaunchIdentity.h"
+#include "KoviMacHolds/platform/linux/LinuxAgent.h"
 #include "KoviMacHolds/platform/wayland/LayerShellShieldPanel.h"
 #include "KoviMacHolds/platform/wayland/WaylandRunLoop.h"
 #include "KoviMacHolds/platform/wayland/WlrToplevelWorkspace.h"
@@ -12,18 +11,10 @@ int runAgent(std::unique_ptr<WaylandDisplay> display, std::optional<std::filesys
              MacHoldsAgentOptions options) {
   WaylandRunLoop runLoop(*display);
   WlrToplevelWorkspace workspace(*display, runLoop, std::move(swaySocket));
-  desktop::LinuxLaunchIdentity launchIdentity;
-
-  auto preferences = desktop::linuxAgentPreferences(options);
-  MacHoldsClock clock = options.clock;
-  auto makeShieldPanel = [&, preferences, clock]() -> std::unique_ptr<MacShieldPanel> {
-    return std::make_unique<LayerShellShieldPanel>(*display, runLoop, PurrlFontStore(*preferences), clock);
+  auto makeShieldPanel = [&](PurrlFontStore fonts, MacHoldsClock clock) -> std::unique_ptr<MacShieldPanel> {
+    return std::make_unique<LayerShellShieldPanel>(*display, runLoop, fonts, std::move(clock));
   };
-
-  MacHoldsAppDelegate delegate(MacHoldsPlatform{workspace, runLoop, launchIdentity, makeShieldPanel},
-                               std::move(options));
-  delegate.applicationDidFinishLaunching();
-  return runLoop.run();
+  return desktop::runLinuxAgent(workspace, runLoop, makeShieldPanel, std::move(options));
 }
 
 }  // namespace kovi::holds::wayland
