@@ -29,7 +29,7 @@ std::string readText(const std::filesystem::path& file) {
 class HoldsSwayTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!PrivateSway::isAvailable()) GTEST_SKIP() << "sway, foot and grim are needed for the Wayland desktop tests";
+    if (!PrivateSway::isAvailable()) GTEST_SKIP() << "sway, foot, grim and wtype are needed for the Wayland desktop tests";
     std::filesystem::create_directories(scratch.path() / "data" / "Kovi" / "Holds");
     auto started = PrivateSway::start(scratch.path());
     ASSERT_TRUE(started.has_value()) << started.error() << readText(scratch.path() / "sway.log");
@@ -149,6 +149,16 @@ TEST_F(HoldsSwayTest, BackToFocusWorksByAClickAndTheHeldAppStaysHidden) {
   const auto [x, y] = buttonCentre(1);
   const auto clicked = sway->click(x, y);
   ASSERT_TRUE(clicked.has_value()) << clicked.error();
+  EXPECT_TRUE(waitForShield(false));
+  EXPECT_TRUE(hidden("discord"));
+}
+
+TEST_F(HoldsSwayTest, ReturnOnTheKeyboardPutsTheShieldAway) {
+  auto agent = startAgent(HoldNow::sleep);
+  auto discord = startApp("discord");
+  ASSERT_TRUE(waitForShield(true));
+  const auto pressed = sway->pressKey("Return");
+  ASSERT_TRUE(pressed.has_value()) << pressed.error();
   EXPECT_TRUE(waitForShield(false));
   EXPECT_TRUE(hidden("discord"));
 }

@@ -51,7 +51,7 @@ std::expected<void, std::string> runToEnd(std::expected<ChildProcess, std::strin
 
 }  // namespace
 
-bool PrivateSway::isAvailable() { return onPath("sway") && onPath("foot") && onPath("grim"); }
+bool PrivateSway::isAvailable() { return onPath("sway") && onPath("foot") && onPath("grim") && onPath("wtype"); }
 
 std::expected<PrivateSway, std::string> PrivateSway::start(const std::filesystem::path& scratch) {
   std::optional<std::pair<uid_t, gid_t>> user;
@@ -210,6 +210,10 @@ std::expected<void, std::string> PrivateSway::click(int x, int y) const {
   return runToEnd(startProgram({KOVI_WAYLAND_CLICK, std::to_string(x), std::to_string(y), std::to_string(width),
                                 std::to_string(height)}),
                   "kovi-wayland-click");
+}
+
+std::expected<void, std::string> PrivateSway::pressKey(const std::string& key) const {
+  return runToEnd(startProgram({"wtype", "-s", "400", "-k", key}), "wtype");
 }
 
 }  // namespace kovi::holds::wayland

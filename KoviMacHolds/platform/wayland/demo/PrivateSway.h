@@ -67,6 +67,9 @@ class PrivateSway {
   std::expected<void, std::string> screenshot(const std::filesystem::path& file) const;
   // Clicks the primary button at a point of the output with a virtual pointer.
   std::expected<void, std::string> click(int x, int y) const;
+  // Types a key ("Return") on a virtual keyboard (wtype), after giving the
+  // desktop's clients time to take up the new keyboard.
+  std::expected<void, std::string> pressKey(const std::string& key) const;
 
   const std::filesystem::path& socket() const { return socket_; }
   static constexpr int width = 1280;
