@@ -227,7 +227,9 @@ bool WlrToplevelWorkspace::hideByMinimising(pid_t number) {
         return std::ranges::all_of(now, [](const Toplevel* toplevel) { return toplevel->minimized; });
       },
       hideConfirmationTime);
-  if (!minimised) minimiseIgnored_ = true;
+  // Only with a fallback at hand is minimise given up for good: without one,
+  // a compositor that was merely slow this once keeps being asked.
+  if (!minimised && swaySocket_) minimiseIgnored_ = true;
   return minimised;
 }
 

@@ -74,7 +74,8 @@ class WlrToplevelWorkspace final : public MacWorkspace {
   pid_t nextNumber_ = 1;
   std::uint64_t activations_ = 0;
   std::optional<std::filesystem::path> swaySocket_;
-  // Set once the compositor let a minimise request go unanswered.
+  // Set once the compositor let a minimise request go unanswered while the
+  // scratchpad fallback is there.
   bool minimiseIgnored_ = false;
   // While the agent hides an application, the compositor moves the focus on
   // by itself; those activations are not the person's and are not reported.
