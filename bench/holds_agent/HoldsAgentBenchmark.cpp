@@ -234,25 +234,9 @@ int main(int argc, char** argv) {
       },
       kSettle);
   const pid_t agent = stage.agent->pid(), standIn = stage.discord->pid();
-  const double agentBefore = cpuSeconds(agent), standInBefore = cpuSeconds(standIn);
-  std::this_thread::sleep_for(std::chrono::seconds(idleSeconds));
-  const double agentPercent = (cpuSeconds(agent) - agentBefore) / idleSeconds * 100;
-  const double standInPercent = (cpuSeconds(standIn) - standInBefore) / idleSeconds * 100;
-  std::printf("idle CPU over %d s with a hold in force: agent %.4f%% of a core (target < 0.1%%), idle Xlib client %.4f%%\n",
-              idleSeconds, agentPercent, standInPercent);
-  if (standInPercent > 0) {
-    std::printf("ratio: agent idle CPU / idle Xlib client = %.1fx\n", agentPercent / standInPercent);
-  } else {
-    std::printf("ratio: agent idle CPU / idle Xlib client: the client used no measurable CPU (%.1f ms for the agent)\n",
-                agentPercent * idleSeconds * 10);
-  }
-
+  reportIdleCpu(agent, standIn, "idle Xlib client", idleSeconds);
   const auto shields = stage.desktop->clientsOfClass("KoviHolds");
-  const bool shieldUp = !shields.empty() && stage.desktop->isViewable(shields.front());
-  const double agentMB = residentMB(agent), standInMB = residentMB(standIn);
-  std::printf("resident memory with the shield %s: agent %.1f MB (target < 25 MB), idle Xlib client %.1f MB\n",
-              shieldUp ? "shown" : "NOT shown", agentMB, standInMB);
-  std::printf("ratio: agent RSS / idle Xlib client RSS = %.1fx\n", agentMB / standInMB);
+  reportMemory(agent, standIn, "idle Xlib client", !shields.empty() && stage.desktop->isViewable(shields.front()));
 
   stage.agent.reset();
   stage.discord.reset();

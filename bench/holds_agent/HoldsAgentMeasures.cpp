@@ -8,6 +8,8 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <thread>
+#include <chrono>
 
 namespace kovi::holds::bench {
 
@@ -32,6 +34,28 @@ double residentMB(pid_t pid) {
     if (line.rfind("VmRSS:", 0) == 0) return std::stod(line.substr(6)) / 1024;
   }
   return 0;
+}
+
+void reportIdleCpu(pid_t agent, pid_t baseline, const char* baselineName, int idleSeconds) {
+  const double agentBefore = cpuSeconds(agent), baselineBefore = cpuSeconds(baseline);
+  std::this_thread::sleep_for(std::chrono::seconds(idleSeconds));
+  const double agentPercent = (cpuSeconds(agent) - agentBefore) / idleSeconds * 100;
+  const double baselinePercent = (cpuSeconds(baseline) - baselineBefore) / idleSeconds * 100;
+  std::printf("idle CPU over %d s with a hold in force: agent %.4f%% of a core (target < 0.1%%), %s %.4f%%\n",
+              idleSeconds, agentPercent, baselineName, baselinePercent);
+  if (baselinePercent > 0) {
+    std::printf("ratio: agent idle CPU / %s = %.1fx\n", baselineName, agentPercent / baselinePercent);
+  } else {
+    std::printf("ratio: agent idle CPU / %s: it used no measurable CPU (%.1f ms for the agent)\n", baselineName,
+                agentPercent * idleSeconds * 10);
+  }
+}
+
+void reportMemory(pid_t agent, pid_t baseline, const char* baselineName, bool shieldShown) {
+  const double agentMB = residentMB(agent), baselineMB = residentMB(baseline);
+  std::printf("resident memory with the shield %s: agent %.1f MB (target < 25 MB), %s %.1f MB\n",
+              shieldShown ? "shown" : "NOT shown", agentMB, baselineName, baselineMB);
+  std::printf("ratio: agent RSS / %s RSS = %.1fx\n", baselineName, agentMB / baselineMB);
 }
 
 int takeIdleSeconds(int argc, char** argv, std::vector<char*>& rest) {

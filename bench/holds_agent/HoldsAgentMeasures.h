@@ -17,6 +17,13 @@ double cpuSeconds(pid_t pid);
 // Resident set size in MB, from /proc/PID/status.
 double residentMB(pid_t pid);
 
+// Watches the agent and a baseline process for `idleSeconds` and prints the
+// agent's share of a core, the baseline's and their ratio.
+void reportIdleCpu(pid_t agent, pid_t baseline, const char* baselineName, int idleSeconds);
+
+// Prints the agent's resident memory, the baseline's and their ratio.
+void reportMemory(pid_t agent, pid_t baseline, const char* baselineName, bool shieldShown);
+
 // Takes "--idle-seconds N" (default 60, at least 1) out of the arguments,
 // leaving the rest for Google Benchmark; exits with a usage message on a
 // number that is not one.

@@ -198,23 +198,8 @@ int main(int argc, char** argv) {
   waitFor([] { return hidden("discord"); });
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
   const pid_t agent = stage.agent->pid(), standIn = stage.discord->pid();
-  const double agentBefore = cpuSeconds(agent), standInBefore = cpuSeconds(standIn);
-  std::this_thread::sleep_for(std::chrono::seconds(idleSeconds));
-  const double agentPercent = (cpuSeconds(agent) - agentBefore) / idleSeconds * 100;
-  const double standInPercent = (cpuSeconds(standIn) - standInBefore) / idleSeconds * 100;
-  std::printf("idle CPU over %d s with a hold in force: agent %.4f%% of a core (target < 0.1%%), idle foot %.4f%%\n",
-              idleSeconds, agentPercent, standInPercent);
-  if (standInPercent > 0) {
-    std::printf("ratio: agent idle CPU / idle foot = %.1fx\n", agentPercent / standInPercent);
-  } else {
-    std::printf("ratio: agent idle CPU / idle foot: foot used no measurable CPU (%.1f ms for the agent)\n",
-                agentPercent * idleSeconds * 10);
-  }
-  const bool shieldUp = shieldShown();
-  const double agentMB = residentMB(agent), standInMB = residentMB(standIn);
-  std::printf("resident memory with the shield %s: agent %.1f MB (target < 25 MB), idle foot %.1f MB\n",
-              shieldUp ? "shown" : "NOT shown", agentMB, standInMB);
-  std::printf("ratio: agent RSS / idle foot RSS = %.1fx\n", agentMB / standInMB);
+  reportIdleCpu(agent, standIn, "idle foot", idleSeconds);
+  reportMemory(agent, standIn, "idle foot", shieldShown());
 
   stage.agent.reset();
   stage.discord.reset();
