@@ -1,9 +1,9 @@
-#include "KoviMacHolds/platform/x11/CairoGeometry.h"
+#include "KoviMacHolds/platform/linux/CairoGeometry.h"
 
 #include <algorithm>
 #include <numbers>
 
-namespace kovi::holds::x11 {
+namespace kovi::holds::desktop {
 
 void roundedRectangle(cairo_t* cr, const MacHoldsShieldRect& rect, double radius) {
   const double r = std::min({radius, rect.width / 2, rect.height / 2});
@@ -16,4 +16,4 @@ void roundedRectangle(cairo_t* cr, const MacHoldsShieldRect& rect, double radius
   cairo_close_path(cr);
 }
 
-}  // namespace kovi::holds::x11
+}  // namespace kovi::holds::desktop

@@ -1,4 +1,4 @@
-#include "KoviMacHolds/platform/x11/CairoShieldPainter.h"
+#include "KoviMacHolds/platform/linux/CairoShieldPainter.h"
 
 #include <pango/pangocairo.h>
 
@@ -6,10 +6,10 @@
 #include <memory>
 #include <numbers>
 
-#include "KoviMacHolds/platform/x11/CairoCatPainter.h"
-#include "KoviMacHolds/platform/x11/CairoGeometry.h"
+#include "KoviMacHolds/platform/linux/CairoCatPainter.h"
+#include "KoviMacHolds/platform/linux/CairoGeometry.h"
 
-namespace kovi::holds::x11 {
+namespace kovi::holds::desktop {
 
 namespace {
 
@@ -158,4 +158,4 @@ std::expected<void, std::string> writeShieldPng(const MacHoldsShieldView& view, 
   return {};
 }
 
-}  // namespace kovi::holds::x11
+}  // namespace kovi::holds::desktop

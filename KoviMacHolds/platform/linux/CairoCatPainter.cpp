@@ -1,11 +1,11 @@
-#include "KoviMacHolds/platform/x11/CairoCatPainter.h"
+#include "KoviMacHolds/platform/linux/CairoCatPainter.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
 
-namespace kovi::holds::x11 {
+namespace kovi::holds::desktop {
 
 namespace {
 
@@ -423,4 +423,4 @@ void paintCat(cairo_t* cr, const MacPurrlCat& cat, const MacHoldsShieldRect& fra
   cairo_restore(cr);
 }
 
-}  // namespace kovi::holds::x11
+}  // namespace kovi::holds::desktop

@@ -6,11 +6,11 @@
 #include <memory>
 #include <string>
 
-#include "KoviMacHolds/platform/x11/CairoShieldPainter.h"
+#include "KoviMacHolds/platform/linux/CairoShieldPainter.h"
 #include "tests/holds_agent/MacHoldsFakes.h"
 #include "tests/support/TemporaryDirectory.h"
 
-namespace kovi::holds::x11 {
+namespace kovi::holds::desktop {
 namespace {
 
 using Surface = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
@@ -97,4 +97,4 @@ TEST(CairoShieldPainter, UnwritablePathIsReportedWithTheFileName) {
 }
 
 }  // namespace
-}  // namespace kovi::holds::x11
+}  // namespace kovi::holds::desktop

@@ -5,7 +5,7 @@
 #include "KoviMacHolds/MacHoldsShieldLayout.h"
 #include "KoviMacHolds/MacPurrlCat.h"
 
-namespace kovi::holds::x11 {
+namespace kovi::holds::desktop {
 
 inline void setSourceColor(cairo_t* cr, const MacPurrlColor& color) {
   cairo_set_source_rgba(cr, color.red, color.green, color.blue, color.alpha);
@@ -13,4 +13,4 @@ inline void setSourceColor(cairo_t* cr, const MacPurrlColor& color) {
 
 void roundedRectangle(cairo_t* cr, const MacHoldsShieldRect& rect, double radius);
 
-}  // namespace kovi::holds::x11
+}  // namespace kovi::holds::desktop

@@ -1,10 +1,10 @@
-#include "KoviMacHolds/platform/x11/LinuxLaunchIdentity.h"
+#include "KoviMacHolds/platform/linux/LinuxLaunchIdentity.h"
 
 #include <sys/stat.h>
 
 #include <system_error>
 
-namespace kovi::holds::x11 {
+namespace kovi::holds::desktop {
 
 LinuxLaunchIdentity::LinuxLaunchIdentity() {
   std::error_code error;
@@ -17,4 +17,4 @@ std::optional<MacFileIdentity> LinuxLaunchIdentity::executableIdentity() {
   return MacFileIdentity{status.st_dev, status.st_ino};
 }
 
-}  // namespace kovi::holds::x11
+}  // namespace kovi::holds::desktop

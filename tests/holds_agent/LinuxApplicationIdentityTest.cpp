@@ -61,10 +61,48 @@ TEST(X11ApplicationIdentity, EveryMacIdentifierItUsesIsOneThePresetsName) {
 }
 
 TEST(X11ApplicationIdentity, DesktopIdentifiersAreWhatDesktopWindowsGet) {
+  const auto& desktopIdentifiers = desktop::linuxDesktopIdentifiers(desktop::LinuxWindowSystem::x11);
   for (const char* name : {"Thunar", "Nemo", "Caja", "Pcmanfm", "Lxpanel", "Gnome-control-center"}) {
-    EXPECT_TRUE(x11DesktopIdentifiers().contains(x11ApplicationIdentity({"", name}).bundleIdentifier)) << name;
+    EXPECT_TRUE(desktopIdentifiers.contains(x11ApplicationIdentity({"", name}).bundleIdentifier)) << name;
   }
-  EXPECT_FALSE(x11DesktopIdentifiers().contains(x11ApplicationIdentity({"gimp", "Gimp"}).bundleIdentifier));
+  EXPECT_FALSE(desktopIdentifiers.contains(x11ApplicationIdentity({"gimp", "Gimp"}).bundleIdentifier));
+}
+
+// A Wayland toplevel names its application by app_id alone: the native name
+// or, for Flatpak builds, a reverse-DNS one; both reach the same Mac identifier.
+TEST(WaylandApplicationIdentity, AppIdsOfNativeAndFlatpakBuildsShareTheTable) {
+  struct Case {
+    const char* appId;
+    const char* bundleIdentifier;
+    const char* displayName;
+    bool isDesktopPart = false;
+  };
+  const Case cases[] = {
+      {"discord", "com.hnc.Discord", "Discord"},
+      {"com.discordapp.Discord", "com.hnc.Discord", "Discord"},
+      {"org.telegram.desktop", "org.telegram.desktop", "Telegram"},
+      {"com.valvesoftware.Steam", "com.valvesoftware.steam", "Steam"},
+      {"firefox", "org.mozilla.firefox", "Firefox"},
+      {"org.mozilla.firefox", "org.mozilla.firefox", "Firefox"},
+      {"com.visualstudio.code", "com.microsoft.VSCode", "Visual Studio Code"},
+      // The desktop's own parts, by app_id in lower case.
+      {"org.gnome.Nautilus", "wayland:org.gnome.nautilus", "org.gnome.Nautilus", true},
+      {"org.kde.dolphin", "wayland:org.kde.dolphin", "org.kde.dolphin", true},
+      // Everything else keeps its app_id as given, under the Wayland prefix.
+      {"foot", "wayland:foot", "foot"},
+      {"org.gnome.TextEditor", "wayland:org.gnome.TextEditor", "org.gnome.TextEditor"},
+      // A toplevel without an app_id names no application.
+      {"", "", ""},
+  };
+  const auto& desktopIdentifiers = desktop::linuxDesktopIdentifiers(desktop::LinuxWindowSystem::wayland);
+  for (const auto& entry : cases) {
+    SCOPED_TRACE(entry.appId);
+    const auto identity =
+        desktop::linuxApplicationIdentity(desktop::LinuxWindowSystem::wayland, {entry.appId}, entry.appId);
+    EXPECT_EQ(identity.bundleIdentifier, entry.bundleIdentifier);
+    EXPECT_EQ(identity.displayName, entry.displayName);
+    EXPECT_EQ(desktopIdentifiers.contains(identity.bundleIdentifier), entry.isDesktopPart);
+  }
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include "KoviMacHolds/MacHoldsShieldLayout.h"
 #include "KoviMacHolds/PurrlFontStore.h"
 
-namespace kovi::holds::x11 {
+namespace kovi::holds::desktop {
 
 // Measures the shield's texts with Pango, places them with the shared shield
 // layout and paints the result on Cairo: the cat with its caption, the hold
@@ -35,4 +35,4 @@ class CairoShieldPainter {
 std::expected<void, std::string> writeShieldPng(const MacHoldsShieldView& view, const PurrlFontStore& fonts,
                                                 const Calendar& calendar, const std::filesystem::path& file);
 
-}  // namespace kovi::holds::x11
+}  // namespace kovi::holds::desktop

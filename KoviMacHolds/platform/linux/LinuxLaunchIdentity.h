@@ -4,7 +4,7 @@
 
 #include "KoviMacHolds/platform/MacLaunchIdentity.h"
 
-namespace kovi::holds::x11 {
+namespace kovi::holds::desktop {
 
 // The identity of the agent's executable on Linux. The path is resolved once,
 // from /proc/self/exe, when the agent starts: after an update has replaced the
@@ -19,4 +19,4 @@ class LinuxLaunchIdentity final : public MacLaunchIdentity {
   std::filesystem::path executable_;
 };
 
-}  // namespace kovi::holds::x11
+}  // namespace kovi::holds::desktop
