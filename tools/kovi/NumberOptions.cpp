@@ -50,8 +50,9 @@ CLI::Option* addCheckedOption(CLI::App* command, const std::string& name, const 
   return command
       ->add_option_function<std::string>(
           name,
-          [take = std::move(take)](const std::string& text) {
-            if (auto problem = take(text); !problem.empty()) throw CLI::ValidationError(problem);
+          [name, take = std::move(take)](const std::string& text) {
+            // "--timeout: "nan" is out of range (…)": which option, which text, why.
+            if (auto problem = take(text); !problem.empty()) throw CLI::ValidationError(name, problem);
           },
           description)
       ->type_name(typeName);
