@@ -14,6 +14,7 @@
 #include "KoviKit/working/WorkingSessionStatus.h"
 #include "tools/kovi/Commands.h"
 #include "tools/kovi/Input.h"
+#include "tools/kovi/NumberOptions.h"
 #include "tools/kovi/platform/DesktopSignals.h"
 
 namespace kovi::tool {
@@ -180,8 +181,8 @@ void addWatchCommand(CLI::App& session) {
       ->required();
   command->add_option("--session", options->sessionID, "The session's identifier")->required();
   command->add_option("--device", options->deviceID, "This Mac's device identifier")->required();
-  command->add_option("--poll-ms", options->pollMS, "How often the desktop is read, in milliseconds")
-      ->check(CLI::Range(50, 10'000));
+  addIntegerOption(command, "--poll-ms", options->pollMS, "How often the desktop is read, in milliseconds", 50,
+                   10'000);
   command->callback([options] { watch(*options); });
 }
 
