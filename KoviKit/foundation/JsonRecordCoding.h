@@ -19,6 +19,7 @@
 
 #include <cmath>
 #include <concepts>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -86,6 +87,11 @@ template <class T>
 inline constexpr bool isVector = false;
 template <class T>
 inline constexpr bool isVector<std::vector<T>> = true;
+
+template <class T>
+inline constexpr bool isStringMap = false;
+template <class T>
+inline constexpr bool isStringMap<std::map<std::string, T>> = true;
 
 template <class T>
 Decoded<T> decodeValue(const JsonView& json) {
@@ -166,7 +172,7 @@ struct JsonDecoder<Record> {
   static Decoded<Record> decode(const JsonView& json) { return decodeRecord<Record>(json); }
 };
 
-// The JSON form of a record, timestamp, list, optional or plain value.
+// The JSON form of a record, timestamp, list, map, optional or plain value.
 template <class Value>
 nlohmann::ordered_json encodeValue(const Value& value);
 
@@ -196,6 +202,10 @@ nlohmann::ordered_json encodeValue(const Value& value) {
     nlohmann::ordered_json array = nlohmann::ordered_json::array();
     for (const auto& item : value) array.push_back(encodeValue(item));
     return array;
+  } else if constexpr (json_record::isStringMap<Value>) {
+    nlohmann::ordered_json object = nlohmann::ordered_json::object();
+    for (const auto& [key, item] : value) object[key] = encodeValue(item);
+    return object;
   } else {
     return nlohmann::ordered_json(value);
   }

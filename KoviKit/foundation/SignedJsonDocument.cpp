@@ -38,7 +38,9 @@ class DuplicateKeyCheck final : public nlohmann::json_sax<nlohmann::json> {
   }
 
   bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception&) override {
-    failure = DecodeError{"", "not valid JSON (at byte " + std::to_string(position) + ")"};
+    // The parser counts the bytes it has read, the offending one included.
+    const std::size_t offset = position == 0 ? 0 : position - 1;
+    failure = DecodeError{"", "not valid JSON (at byte " + std::to_string(offset) + ")"};
     return false;
   }
 

@@ -15,6 +15,7 @@
 #include "KoviKit/foundation/JsonStringMap.h"
 #include "KoviKit/foundation/KeyValueStore.h"
 #include "KoviKit/foundation/Time.h"
+#include "KoviKit/working/WorkingRuleLimits.h"
 #include "KoviKit/working/WorkingScheduledStoreError.h"
 
 namespace kovi {
@@ -47,9 +48,9 @@ class WorkingScheduledReadyStore {
 
   static constexpr int kVersion = 1;
   static constexpr std::string_view kKeyPrefix = "kovi.working.scheduled-ready.v1.";
-  // Claims kept per record; past this the oldest claims are dropped, since a
-  // window claimed that long ago has ended.
-  static constexpr std::size_t kMaximumClaims = 512;
+  // Claims kept per record: one for every window a kovi can have. Past this
+  // the oldest claims are dropped; their windows have long ended.
+  static constexpr std::size_t kMaximumClaims = kWorkingMaximumWindows;
 
   explicit WorkingScheduledReadyStore(std::shared_ptr<KeyValueStore> store) : store_(std::move(store)) {}
 
