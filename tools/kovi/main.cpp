@@ -33,6 +33,7 @@ int main(int argc, char** argv) {
   kovi::tool::addWalkingCommands(app);
   kovi::tool::addInviteCommands(app);
   kovi::tool::addRulesCommands(app);
+  kovi::tool::addWorkingFenceCommands(app);
 
   try {
     app.parse(argc, argv);
