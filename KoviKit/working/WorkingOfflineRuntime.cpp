@@ -65,4 +65,41 @@ std::expected<void, WorkingOfflineError> WorkingOfflineRuntime::mayCount(const W
   return {};
 }
 
+namespace {
+
+// The first field where `checkpoint` does not continue `head` of `lease`.
+std::optional<std::string_view> chainBreak(const WorkingOfflineLease& lease, const WorkingOfflineAnchor& head,
+                                           const WorkingCheckpoint& checkpoint) {
+  if (checkpoint.sessionID != lease.sessionID) return "sessionID";
+  if (checkpoint.deviceID != lease.deviceID) return "deviceID";
+  if (checkpoint.epoch != lease.epoch) return "epoch";
+  if (head.sequence == std::numeric_limits<std::int64_t>::max() || checkpoint.sequence != head.sequence + 1) {
+    return "sequence";
+  }
+  if (checkpoint.previousHash != head.headHash) return "previousHash";
+  if (checkpoint.at < head.through) return "at";
+  if (checkpoint.monotonicMS < head.monotonicMS) return "monotonicMS";
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::expected<void, WorkingOfflineError> WorkingOfflineRuntime::admitCheckpoint(const WorkingCheckpoint& checkpoint,
+                                                                                 const WorkingClockReading& now,
+                                                                                 std::string_view currentBoot) {
+  WorkingOfflineRuntime next = *this;
+  if (auto clocks = next.observe(now, currentBoot); !clocks) return clocks;
+  if (const auto field = chainBreak(*lease, head(), checkpoint)) return failure(Kind::checkpointChain, std::string(*field));
+  if (checkpoint.sequence > lease->maxSequence) return failure(Kind::unavailable, "maxSequence");
+  const UnixMillis end = *countingEnd();
+  if (checkpoint.at > end) return failure(Kind::expired, "at");
+  for (const WorkingCheckpoint::Segment& segment : checkpoint.segments) {
+    if (segment.end > end) return failure(Kind::expired, "segments");
+  }
+  next.anchor = WorkingOfflineAnchor{checkpoint.sequence, workingCheckpointHash(checkpoint), checkpoint.at,
+                                     checkpoint.monotonicMS};
+  *this = std::move(next);
+  return {};
+}
+
 }  // namespace kovi

@@ -10,6 +10,7 @@
 #include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/foundation/Time.h"
 #include "KoviKit/working/WorkingBootIdentity.h"
+#include "KoviKit/working/WorkingCheckpoint.h"
 #include "KoviKit/working/WorkingOfflineError.h"
 #include "KoviKit/working/WorkingOfflineLease.h"
 
@@ -59,6 +60,17 @@ struct WorkingOfflineRuntime {
   // "offlineLimit"), and another checkpoint fits under `maxSequence`
   // (`unavailable`, naming "maxSequence").
   std::expected<void, WorkingOfflineError> mayCount(const WorkingClockReading& now, std::string_view currentBoot);
+
+  // Takes a checkpoint written offline at `now` into the chain. It must be
+  // for the lease's session, device and epoch and continue the current head
+  // (`sequence` one more, `previousHash` the head's hash), else
+  // `checkpointChain` naming the field; fit under `maxSequence`
+  // (`unavailable`); and neither its time nor any segment may reach past
+  // `countingEnd` (`expired`). The clocks are checked as by `observe`. On
+  // success the checkpoint becomes the head; on failure nothing changes.
+  std::expected<void, WorkingOfflineError> admitCheckpoint(const WorkingCheckpoint& checkpoint,
+                                                           const WorkingClockReading& now,
+                                                           std::string_view currentBoot);
 
   // The current head of the offline chain.
   const WorkingOfflineAnchor& head() const { return anchor ? *anchor : lease->anchor; }
