@@ -26,6 +26,7 @@ struct FireCase {
   std::vector<std::string> options;
   int exitStatus;
   std::string result;  // "published", a failure reason, or empty for a usage error
+  friend void PrintTo(const FireCase& example, std::ostream* out) { *out << example.name; }
 };
 
 class FenceFireCommandTest : public ::testing::TestWithParam<FireCase> {
