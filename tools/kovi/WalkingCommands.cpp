@@ -18,12 +18,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Reports a problem with the command's input and ends it with status 2.
-void refuseInput(const std::string& reason) {
-  std::cerr << "kovi: " << reason << '\n';
-  exitStatus() = 2;
-}
-
 template <class T>
 std::optional<T> decodeFile(const std::string& path) {
   const auto text = readInput(path);

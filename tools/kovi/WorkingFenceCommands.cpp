@@ -15,12 +15,6 @@
 namespace kovi::tool {
 namespace {
 
-// Input that cannot be read or decoded is a usage problem (exit 2).
-void refuseInput(const std::string& reason) {
-  std::cerr << "kovi: " << reason << '\n';
-  exitStatus() = 2;
-}
-
 // The document in `path` decoded by `decode`, or nothing after saying which
 // file failed where.
 template <class Decode>
