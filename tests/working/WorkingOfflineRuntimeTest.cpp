@@ -181,12 +181,6 @@ TEST(OfflineRuntimeTest, ACheckpointAfterARebootIsRefused) {
   EXPECT_EQ(outcome.error(), (WorkingOfflineError{Kind::clockDiscontinuity, "bootID"}));
 }
 
-TEST(OfflineRuntimeTest, TheRuntimeSurvivesStorage) {
-  WorkingOfflineRuntime runtime = installed();
-  ASSERT_TRUE(runtime.admitCheckpoint(continuing(runtime.head(), 30'000), after(30'000), kBoot).has_value());
-  EXPECT_EQ(decodeJsonText<WorkingOfflineRuntime>(encodeRecord(runtime).dump()), runtime);
-}
-
 TEST(OfflineProofTest, IsSignedByTheDeviceKeyOverTheProofPurpose) {
   testing::TemporaryDirectory directory;
   SoftwareDeviceKeyService keys(directory.path(), "app.kovi.test");

@@ -34,14 +34,11 @@ TEST_P(ChainBindingTest, MatchesOnlyALowercaseAddressAndAKoviIdWithoutLeadingZer
 
 INSTANTIATE_TEST_SUITE_P(Forms, ChainBindingTest,
                          ::testing::Values(BindingCase{kAddress + ":1", true},
-                                           BindingCase{"0x0123456789abcdef0123456789abcdef01234567:9", true},
                                            BindingCase{kAddress + ":1" + std::string(30, '0'), true},
                                            BindingCase{kAddress + ":1" + std::string(31, '0'), false},
                                            BindingCase{kAddress + ":0", false}, BindingCase{kAddress + ":01", false},
-                                           BindingCase{kAddress + ":", false},
                                            BindingCase{"0x" + std::string(40, 'A') + ":1", false},
                                            BindingCase{"0x" + std::string(39, 'a') + ":1", false},
-                                           BindingCase{"0X" + std::string(40, 'a') + ":1", false},
                                            BindingCase{kAddress + ":1\n", false},
                                            BindingCase{"../" + kAddress + ":1", false}));
 

@@ -110,24 +110,6 @@ TEST(StartFenceTest, APlanEndingBeforeItStartsIsNotArmedAndCancelKeepsAFire) {
   EXPECT_EQ(armed.fire(kStart, 4, 9).error(), Failure::notArmed);
 }
 
-TEST(StartFenceTest, AnArmedRecordWithoutAPlanCannotFire) {
-  Fence fence = armedFence();
-  fence.plan.reset();
-  EXPECT_EQ(fence.fire(kStart, 4, 9).error(), Failure::notArmed);
-}
-
-TEST(StartFenceTest, TravelsAsJsonWithEveryKey) {
-  Fence fence = armedFence();
-  ASSERT_TRUE(fence.fire(kStart, 4, 9).has_value());
-  const std::string text = encodeRecord(fence).dump();
-  EXPECT_EQ(text,
-            R"({"state":"fired","plan":{"ownerID":"owner-1","roomID":"room-1","rulesHash":"hash-1","windowID":"window-1",)"
-            R"("startsAt":1800000000000,"lateDeadline":1800000300000},"ownerEpoch":4,"refreshEpoch":9,"armGeneration":1,)"
-            R"("firedAt":1800000000000,"receipt":null})");
-  EXPECT_EQ(decodeJsonText<Fence>(text), fence);
-  EXPECT_EQ(decodeJsonText<Fence>(R"({"state":"primed"})").error().message(), "state: unknown value \"primed\"");
-}
-
 using Reminders = WorkingScheduledReminderFence;
 
 TEST(ReminderFenceTest, DeliversEachCurrentTicketOnce) {
@@ -157,19 +139,6 @@ TEST(ReminderFenceTest, RefusesTicketsFromAStaleGenerationOrOwner) {
   const auto fresh = fence.schedule(Reminders::Kind::ready, "w1");
   EXPECT_EQ(fresh.ownerEpoch, 8);
   EXPECT_TRUE(fence.deliver(fresh).has_value());
-}
-
-TEST(ReminderFenceTest, AdvanceComesTenMinutesBeforeTheWindowAndSurvivesStorage) {
-  const WorkingScheduledItem item{"w1", kStart, kStart + 3'600'000, 3600, "Europe/Istanbul"};
-  EXPECT_EQ(Reminders::dueAt(Reminders::Kind::advance, item), kStart - 600'000);
-  EXPECT_EQ(Reminders::dueAt(Reminders::Kind::ready, item), kStart);
-
-  Reminders fence;
-  fence.ownerEpoch = 2;
-  const auto ticket = fence.schedule(Reminders::Kind::advance, "w1");
-  auto stored = decodeJsonText<Reminders>(encodeRecord(fence).dump());
-  ASSERT_TRUE(stored.has_value()) << stored.error().message();
-  EXPECT_TRUE(stored->deliver(ticket).has_value());
 }
 
 using Resume = WorkingResumeAuthorizationFence;

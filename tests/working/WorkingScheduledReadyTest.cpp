@@ -6,7 +6,6 @@
 #include <string>
 
 #include "KoviKit/foundation/FileKeyValueStore.h"
-#include "KoviKit/working/WorkingScheduledItem.h"
 #include "KoviKit/working/WorkingScheduledReady.h"
 #include "KoviKit/working/WorkingScheduledReadyStore.h"
 #include "tests/support/TemporaryDirectory.h"
@@ -49,7 +48,6 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         ReadyCase{"fine", [](auto&, auto&) {}, std::nullopt},
         ReadyCase{"noWindowID", [](auto& r, auto&) { r.windowID.clear(); }, Failure::invalidSnapshot},
-        ReadyCase{"emptyWindow", [](auto& r, auto&) { r.endsAt = r.startsAt; }, Failure::invalidSnapshot},
         ReadyCase{"observedAfterEnd", [](auto& r, auto&) { r.observedAt = r.endsAt + 1; }, Failure::invalidSnapshot},
         // An invalid snapshot wins over every later problem.
         ReadyCase{"invalidAndBackground",
@@ -59,16 +57,9 @@ INSTANTIATE_TEST_SUITE_P(
                   },
                   Failure::invalidSnapshot},
         ReadyCase{"otherOwner", [](auto&, auto& c) { c.ownerID = "other"; }, Failure::changed},
-        ReadyCase{"otherRules", [](auto&, auto& c) { c.rulesHash = "other"; }, Failure::changed},
         ReadyCase{"otherPlan", [](auto&, auto& c) { c.sessionFingerprint = "other"; }, Failure::changed},
         ReadyCase{"lastMillisecond", [](auto& r, auto& c) { c.now = r.endsAt - 1; }, std::nullopt},
         ReadyCase{"atEnd", [](auto& r, auto& c) { c.now = r.endsAt; }, Failure::expired},
-        ReadyCase{"noMacNeeded",
-                  [](auto& r, auto&) {
-                    r.availableMacIDs.clear();
-                    r.requiresPrearm = false;
-                  },
-                  std::nullopt},
         ReadyCase{"noMac", [](auto& r, auto&) { r.availableMacIDs.clear(); }, Failure::noMac},
         ReadyCase{"background", [](auto&, auto& c) { c.inForeground = false; }, Failure::background}),
     [](const auto& info) { return std::string(info.param.name); });
@@ -80,15 +71,6 @@ TEST(ScheduledReadyTest, EveryFailureHasItsOwnText) {
   for (const auto& [failure, name] : EnumNames<Failure>::table) texts.insert(workingScheduledReadyFailureText(failure));
   EXPECT_EQ(texts.size(), EnumNames<Failure>::table.size());
   EXPECT_FALSE(texts.contains(""));
-}
-
-TEST(ScheduledItemTest, TheRunningWindowComesBeforeLaterOnesAndEndedOnesAreSkipped) {
-  const std::vector<WorkingScheduledItem> items{{"late", kStart + 7'200'000, kStart + 9'000'000, 1800, "UTC"},
-                                                {"first", kStart, kStart + 3'600'000, 3600, "UTC"}};
-  EXPECT_EQ(nextWorkingScheduledItem(items, kStart - 1)->id, "first");
-  EXPECT_EQ(nextWorkingScheduledItem(items, kStart + 3'599'999)->id, "first");
-  EXPECT_EQ(nextWorkingScheduledItem(items, kStart + 3'600'000)->id, "late");
-  EXPECT_EQ(nextWorkingScheduledItem(items, kStart + 9'000'000), std::nullopt);
 }
 
 class ScheduledReadyStoreTest : public ::testing::Test {
@@ -140,25 +122,6 @@ TEST_F(ScheduledReadyStoreTest, ACorruptRecordIsReportedAndLeftAlone) {
 
   EXPECT_FALSE(store.claim("owner", "room", "hash", "w1", kStart).has_value());
   EXPECT_EQ(domain->value(key), (nlohmann::json{{"version", 1}, {"ownerID", "owner"}}));
-}
-
-TEST_F(ScheduledReadyStoreTest, ClaimsStayBoundedDroppingTheOldest) {
-  // A record that already holds as many claims as it may, the oldest at kStart.
-  WorkingScheduledReadyStore::Record full{1, "owner", "room", "hash", true, {}, 0};
-  for (std::size_t index = 0; index < WorkingScheduledReadyStore::kMaximumClaims; ++index) {
-    full.claims.emplace("w" + std::to_string(index), kStart + static_cast<UnixMillis>(index));
-  }
-  full.latestClaimAt = kStart + static_cast<UnixMillis>(full.claims.size()) - 1;
-  ASSERT_TRUE(domain->setValue(WorkingScheduledReadyStore::key("owner", "room"), encodeRecord(full)).has_value());
-
-  EXPECT_EQ(store.claim("owner", "room", "hash", "new", kStart + 1'000'000),
-            WorkingScheduledReadyStore::ClaimOutcome::claimed);
-  const auto record = store.record("owner", "room");
-  ASSERT_TRUE(record.has_value() && record->has_value());
-  EXPECT_EQ((*record)->claims.size(), WorkingScheduledReadyStore::kMaximumClaims);
-  EXPECT_FALSE((*record)->claims.contains("w0"));
-  EXPECT_TRUE((*record)->claims.contains("w1"));
-  EXPECT_TRUE((*record)->claims.contains("new"));
 }
 
 }  // namespace
