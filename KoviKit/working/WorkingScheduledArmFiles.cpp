@@ -132,14 +132,17 @@ std::expected<std::vector<WorkingScheduledArmFiles::Entry>, StoreError> WorkingS
     if (error == std::errc::no_such_file_or_directory) return entries;
     return std::unexpected(StoreError{StoreError::Kind::unreadable, directory_.string() + ": " + error.message()});
   }
-  for (const auto& file : files) {
-    const auto binding = bindingFromFileName(file.path().filename().string());
+  // Stepping with an error code: a directory that fails mid-listing is
+  // reported, not thrown.
+  for (; files != std::filesystem::directory_iterator(); files.increment(error)) {
+    const auto binding = bindingFromFileName(files->path().filename().string());
     if (!binding) continue;
     auto record = loadUnlocked(*binding);
     if (record && !*record) continue;  // removed since the directory was read
     using Loaded = std::expected<nlohmann::json, StoreError>;
     entries.push_back(Entry{*binding, record ? Loaded(std::move(**record)) : Loaded(std::unexpected(record.error()))});
   }
+  if (error) return std::unexpected(StoreError{StoreError::Kind::unreadable, directory_.string() + ": " + error.message()});
   std::ranges::sort(entries, {}, &Entry::chainBinding);
   return entries;
 }
