@@ -24,8 +24,13 @@ void appendLengthPrefixed(std::string& text, std::string_view part) {
 }
 
 StoreError fromStoreError(const KeyValueStoreError& error) {
-  const bool reading = error.kind != KeyValueStoreError::Kind::unwritable;
-  return {reading ? StoreError::Kind::unreadable : StoreError::Kind::unwritable, error.message};
+  switch (error.kind) {
+    case KeyValueStoreError::Kind::corrupt: return {StoreError::Kind::corrupt, error.message};
+    case KeyValueStoreError::Kind::unwritable: return {StoreError::Kind::unwritable, error.message};
+    case KeyValueStoreError::Kind::unreadable:
+    case KeyValueStoreError::Kind::unsupported: break;
+  }
+  return {StoreError::Kind::unreadable, error.message};
 }
 
 // The record under `key`, absent when there is none; a value that is not a
