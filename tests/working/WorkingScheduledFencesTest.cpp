@@ -3,7 +3,6 @@
 #include <optional>
 #include <string>
 
-#include "KoviKit/working/WorkingProtectionSessionFence.h"
 #include "KoviKit/working/WorkingResumeAuthorizationFence.h"
 #include "KoviKit/working/WorkingScheduledReminderFence.h"
 #include "KoviKit/working/WorkingScheduledStartFence.h"
@@ -159,21 +158,6 @@ TEST(ResumeFenceTest, HonoursOnlyTheCurrentGenerationForItsSessionOnce) {
   fence.revoke();
   EXPECT_FALSE(fence.honours(afterRevoke));
   EXPECT_EQ(fence.sessionID, std::nullopt);
-}
-
-TEST(ProtectionSessionFenceTest, AClosedSessionNeverReopens) {
-  WorkingProtectionSessionFence fence;
-  EXPECT_FALSE(fence.admits("s1"));
-  ASSERT_TRUE(fence.prepare("s1", kStart));
-  EXPECT_TRUE(fence.admits("s1"));
-  EXPECT_FALSE(fence.admits("s2"));
-  fence.close();
-  EXPECT_FALSE(fence.admits("s1"));
-  EXPECT_FALSE(fence.prepare("s1", kStart + 1));
-  EXPECT_EQ(fence.preparedAt, kStart);
-  ASSERT_TRUE(fence.prepare("s2", kStart + 2));
-  EXPECT_TRUE(fence.admits("s2"));
-  EXPECT_FALSE(fence.admits("s1"));
 }
 
 }  // namespace

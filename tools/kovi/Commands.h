@@ -16,6 +16,7 @@ void addWalkingCommands(CLI::App& app);
 void addInviteCommands(CLI::App& app);
 void addRulesCommands(CLI::App& app);
 void addWorkingFenceCommands(CLI::App& app);
+void addWorkingSessionCommands(CLI::App& app);
 
 // The command group `name` (`evidence`, `working`, `wallet`, …), added on
 // first use, so that several files can each add their commands to one group.

@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
   kovi::tool::addInviteCommands(app);
   kovi::tool::addRulesCommands(app);
   kovi::tool::addWorkingFenceCommands(app);
+  kovi::tool::addWorkingSessionCommands(app);
 
   try {
     app.parse(argc, argv);
