@@ -238,7 +238,15 @@ struct JsonDecoder<Record> {
   static Decoded<Record> decode(const JsonView& json) { return decodeRecord<Record>(json); }
 };
 
-// The JSON form of a record, timestamp, list, optional or plain value.
+// Maps decode the same way wherever they stand, inside a record or alone.
+template <class Key, class Value>
+struct JsonDecoder<std::map<Key, Value>> {
+  static Decoded<std::map<Key, Value>> decode(const JsonView& json) {
+    return json_record::decodeMap<std::map<Key, Value>>(json);
+  }
+};
+
+// The JSON form of a record, timestamp, list, map, optional or plain value.
 template <class Value>
 nlohmann::ordered_json encodeValue(const Value& value);
 

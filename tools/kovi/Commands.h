@@ -17,6 +17,7 @@ void addInviteCommands(CLI::App& app);
 void addRulesCommands(CLI::App& app);
 void addEvidenceReadCommands(CLI::App& app);
 void addWorkingRecordCommands(CLI::App& app);
+void addWorkingFenceCommands(CLI::App& app);
 void addWorkingSessionCommands(CLI::App& app);
 void addEvidenceSubmissionCommands(CLI::App& app);
 

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "KoviKit/foundation/FileIO.h"
+#include "tools/kovi/Commands.h"
 
 namespace kovi::tool {
 namespace {
@@ -26,6 +27,11 @@ std::expected<std::string, std::string> readInput(const std::string& pathOrDash)
     case FileReadFailure::unreadable: break;
   }
   return std::unexpected(pathOrDash + ": " + contents.error().detail);
+}
+
+void refuseInput(const std::string& reason) {
+  std::cerr << "kovi: " << reason << '\n';
+  exitStatus() = 2;
 }
 
 }  // namespace kovi::tool

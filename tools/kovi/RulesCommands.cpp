@@ -18,12 +18,6 @@ namespace {
 
 constexpr const char* kFileHelp = "The rules object as JSON, or - for standard input";
 
-// Input that cannot be read or parsed is a usage problem (exit 2).
-void refuseInput(const std::string& reason) {
-  std::cerr << "kovi: " << reason << '\n';
-  exitStatus() = 2;
-}
-
 // The rule set in `path`, or nothing after reporting why: unreadable input
 // exits 2, a rule set that fails its checks exits 1 with the reason.
 std::optional<WorkingRules> readRules(const std::string& path) {

@@ -35,6 +35,7 @@ int main(int argc, char** argv) {
   kovi::tool::addRulesCommands(app);
   kovi::tool::addEvidenceReadCommands(app);
   kovi::tool::addWorkingRecordCommands(app);
+  kovi::tool::addWorkingFenceCommands(app);
   kovi::tool::addWorkingSessionCommands(app);
   kovi::tool::addEvidenceSubmissionCommands(app);
 

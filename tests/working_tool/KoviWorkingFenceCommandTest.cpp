@@ -1,0 +1,132 @@
+// `kovi working fence fire` and `kovi working lease check` as run by people
+// testing the service: real files, the built tool, its output and status.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "KoviKit/working/WorkingOfflineLease.h"
+#include "tests/support/KoviProcess.h"
+#include "tests/support/TemporaryDirectory.h"
+#include "tests/working/OfflineLeaseServer.h"
+
+namespace kovi {
+namespace {
+
+using testing::runKovi;
+
+constexpr const char* kArmedFence =
+    R"({"state":"armed","plan":{"ownerID":"o","roomID":"r","rulesHash":"h","windowID":"w",)"
+    R"("startsAt":1000,"lateDeadline":2000},"ownerEpoch":4,"refreshEpoch":9,"armGeneration":1,)"
+    R"("firedAt":null,"receipt":null})";
+
+struct FireCase {
+  const char* name;
+  std::string fence;
+  std::vector<std::string> options;
+  int exitStatus;
+  std::string result;  // "published", a failure reason, or empty for a usage error
+  friend void PrintTo(const FireCase& example, std::ostream* out) { *out << example.name; }
+};
+
+class FenceFireCommandTest : public ::testing::TestWithParam<FireCase> {
+ protected:
+  testing::TemporaryDirectory directory;
+};
+
+TEST_P(FenceFireCommandTest, PrintsTheOutcomeAndTheFence) {
+  const auto file = directory.write("fence.json", GetParam().fence);
+  std::vector<std::string> arguments{"working", "fence", "fire", file.string()};
+  arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
+  const auto run = runKovi(arguments);
+  ASSERT_EQ(run.exitStatus, GetParam().exitStatus) << run.out << run.err;
+  if (GetParam().result.empty()) {
+    EXPECT_EQ(run.out, "");
+    return;
+  }
+  const auto output = nlohmann::json::parse(run.out);
+  const auto before = nlohmann::json::parse(GetParam().fence);
+  if (GetParam().result == "published") {
+    EXPECT_EQ(output["result"], "published");
+    EXPECT_EQ(output["preparedAt"], 1500);
+    EXPECT_EQ(output["fence"]["state"], "fired");
+    EXPECT_EQ(output["fence"]["firedAt"], 1500);
+  } else {
+    EXPECT_EQ(output["result"], "failed");
+    EXPECT_EQ(output["reason"], GetParam().result);
+    EXPECT_EQ(output["fence"], before) << "a refused fire leaves the fence as it was";
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Runs, FenceFireCommandTest,
+    ::testing::Values(
+        FireCase{"published", kArmedFence, {"--now", "1500", "--owner-epoch", "4", "--refresh-epoch", "9"}, 0,
+                 "published"},
+        FireCase{"early", kArmedFence, {"--now", "999", "--owner-epoch", "4", "--refresh-epoch", "9"}, 1, "early"},
+        FireCase{"missingEpoch", kArmedFence, {"--now", "1500", "--owner-epoch", "4"}, 2, ""},
+        FireCase{"badFence", R"({"state":"armed"})", {"--now", "1", "--owner-epoch", "4", "--refresh-epoch", "9"}, 2,
+                 ""}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(FenceFireCommandErrorTest, NamesTheFileAndTheKeyPath) {
+  testing::TemporaryDirectory directory;
+  const auto file = directory.write("fence.json", R"({"state":"primed"})");
+  const auto run = runKovi({"working", "fence", "fire", file.string(), "--now", "1", "--owner-epoch", "1",
+                            "--refresh-epoch", "1"});
+  EXPECT_EQ(run.exitStatus, 2);
+  EXPECT_EQ(run.err, "kovi: " + file.string() + ": state: unknown value \"primed\"\n");
+}
+
+class LeaseCheckCommandTest : public ::testing::Test {
+ protected:
+  testing::TemporaryDirectory directory;
+  testing::OfflineLeaseServer server;
+
+  static nlohmann::ordered_json lease() {
+    return nlohmann::ordered_json::parse(
+        R"({"version":1,"id":"lease-1","requestID":"q","sessionID":"s","roomID":"r","accountID":"a",)"
+        R"("deviceID":"mac-1","epoch":2,"rulesHash":"h","deviceKeyHash":"k","serverKeyID":"server-1",)"
+        R"("issuedAt":1000,"workUntil":91000,"reconcileBy":600000,"maxSequence":9,)"
+        R"("anchor":{"sequence":1,"headHash":"x","through":1000,"monotonicMS":5}})");
+  }
+
+  testing::KoviRun check(const std::string& envelope, const std::string& deviceID, const std::string& now) {
+    const std::string binding = R"({"accountID":"a","roomID":"r","sessionID":"s","deviceID":")" + deviceID +
+                                R"(","epoch":2,"rulesHash":"h","deviceKeyHash":"k",)"
+                                R"("anchor":{"sequence":1,"headHash":"x","through":1000,"monotonicMS":5}})";
+    return runKovi({"working", "lease", "check", directory.write("envelope.json", envelope).string(), "--binding",
+                    directory.write("binding.json", binding).string(), "--server-keys",
+                    directory.write("keys.json", R"({"server-1":")" + server.publicKeyBase64() + R"("})").string(),
+                    "--now", now});
+  }
+
+};
+
+TEST_F(LeaseCheckCommandTest, PrintsTheLeaseOrTheRefusal) {
+  const std::string envelope = server.envelope(lease());
+  const auto accepted = check(envelope, "mac-1", "90999");
+  EXPECT_EQ(accepted.exitStatus, 0) << accepted.err;
+  EXPECT_EQ(nlohmann::ordered_json::parse(accepted.out), lease());
+
+  const auto mismatch = check(envelope, "mac-2", "2000");
+  EXPECT_EQ(mismatch.exitStatus, 1);
+  EXPECT_EQ(nlohmann::json::parse(mismatch.out), (nlohmann::json{{"error", "bindingMismatch"}, {"field", "deviceID"}}));
+
+  const auto expired = check(envelope, "mac-1", "91000");
+  EXPECT_EQ(expired.exitStatus, 1);
+  EXPECT_EQ(nlohmann::json::parse(expired.out)["error"], "expired");
+
+  testing::OfflineLeaseServer stranger;
+  const auto forged = check(stranger.envelope(lease()), "mac-1", "2000");
+  EXPECT_EQ(forged.exitStatus, 1);
+  EXPECT_EQ(nlohmann::json::parse(forged.out),
+            (nlohmann::json{{"error", "invalidSignature"}, {"reason", "signature does not verify"}}));
+
+  const auto torn = check(envelope.substr(0, 20), "mac-1", "2000");
+  EXPECT_EQ(torn.exitStatus, 2);
+  EXPECT_EQ(nlohmann::json::parse(torn.out)["error"], "invalidEnvelope");
+}
+
+}  // namespace
+}  // namespace kovi
