@@ -2,7 +2,6 @@
 // body or with the error the apps would see.
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <expected>
 #include <iostream>
 #include <memory>
@@ -16,11 +15,11 @@
 #include "tools/kovi/Commands.h"
 #include "tools/kovi/ErrorAreas.h"
 #include "tools/kovi/Input.h"
+#include "tools/kovi/ServiceOrigin.h"
 
 namespace kovi::tool {
 namespace {
 
-constexpr const char* kOriginVariable = "KOVI_SERVICE_ORIGIN";
 constexpr int kUsageError = 2;
 
 struct CallOptions {
@@ -36,16 +35,6 @@ struct CallOptions {
 void refuse(const std::string& reason) {
   std::cerr << "kovi call: " << reason << '\n';
   exitStatus() = kUsageError;
-}
-
-std::expected<NativeServiceOrigin, std::string> configuredOrigin() {
-  const char* value = std::getenv(kOriginVariable);
-  if (value == nullptr || *value == '\0') {
-    return std::unexpected(std::string(kOriginVariable) + " is not set; set it to the service origin, such as https://kovi.example");
-  }
-  auto origin = NativeServiceOrigin::parse(value);
-  if (!origin) return std::unexpected(std::string(kOriginVariable) + ": " + origin.error());
-  return origin;
 }
 
 // The request body as given, or read from a file with "@FILE" ("@-" is
@@ -76,7 +65,7 @@ void print(const nlohmann::ordered_json& document) {
 }
 
 void runCall(const CallOptions& options) {
-  auto origin = configuredOrigin();
+  auto origin = configuredServiceOrigin();
   if (!origin) return refuse(origin.error());
   std::optional<std::string> body;
   if (options.body) {

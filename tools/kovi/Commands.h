@@ -15,6 +15,9 @@ void addStudyCommands(CLI::App& app);
 void addWalkingCommands(CLI::App& app);
 void addInviteCommands(CLI::App& app);
 void addRulesCommands(CLI::App& app);
+void addWalletCommands(CLI::App& app);
+void addWalletOperationCommands(CLI::App& app);
+void addWalletPasskeyCommands(CLI::App& app);
 
 // The command group `name` (`evidence`, `working`, `wallet`, …), added on
 // first use, so that several files can each add their commands to one group.

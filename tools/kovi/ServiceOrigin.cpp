@@ -1,0 +1,19 @@
+#include "tools/kovi/ServiceOrigin.h"
+
+#include <cstdlib>
+
+namespace kovi::tool {
+
+std::expected<NativeServiceOrigin, std::string> configuredServiceOrigin() {
+  constexpr const char* kOriginVariable = "KOVI_SERVICE_ORIGIN";
+  const char* value = std::getenv(kOriginVariable);
+  if (value == nullptr || *value == '\0') {
+    return std::unexpected(std::string(kOriginVariable) +
+                           " is not set; set it to the service origin, such as https://kovi.example");
+  }
+  auto origin = NativeServiceOrigin::parse(value);
+  if (!origin) return std::unexpected(std::string(kOriginVariable) + ": " + origin.error());
+  return origin;
+}
+
+}  // namespace kovi::tool
