@@ -23,6 +23,8 @@ function(kovi_test name)
   endif()
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} kovi_test_support GTest::gmock GTest::gtest_main)
+  # GoogleTest, GoogleMock and nlohmann/json are parsed once for every suite.
+  target_precompile_headers(${name} REUSE_FROM kovi_test_pch)
   gtest_discover_tests(${name}
     PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}
     DISCOVERY_TIMEOUT 60)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <nlohmann/json.hpp>
 
 namespace kovi {
 
@@ -41,6 +42,12 @@ CanonicalJsonWriter& CanonicalJsonWriter::value(std::string_view text) {
 CanonicalJsonWriter& CanonicalJsonWriter::value(bool flag) {
   beforeValue();
   put(flag ? "true" : "false");
+  return *this;
+}
+
+CanonicalJsonWriter& CanonicalJsonWriter::null() {
+  beforeValue();
+  put("null");
   return *this;
 }
 
@@ -88,6 +95,73 @@ void CanonicalJsonWriter::appendString(std::string_view text) {
   }
   put(text.substr(runStart));
   put('"');
+}
+
+}  // namespace kovi
+
+namespace kovi {
+namespace {
+
+std::expected<void, std::string> writeValue(CanonicalJsonWriter& writer, const nlohmann::ordered_json& value,
+                                            const std::string& path, std::size_t depth) {
+  const auto refuse = [&](std::string_view why) {
+    return std::unexpected((path.empty() ? std::string() : path + ": ") + std::string(why));
+  };
+  switch (value.type()) {
+    case nlohmann::ordered_json::value_t::null:
+      writer.null();
+      return {};
+    case nlohmann::ordered_json::value_t::boolean:
+      writer.value(value.get<bool>());
+      return {};
+    case nlohmann::ordered_json::value_t::number_integer:
+      writer.value(value.get<std::int64_t>());
+      return {};
+    case nlohmann::ordered_json::value_t::number_unsigned:
+      writer.value(value.get<std::uint64_t>());
+      return {};
+    case nlohmann::ordered_json::value_t::string:
+      writer.value(value.get_ref<const std::string&>());
+      return {};
+    case nlohmann::ordered_json::value_t::number_float:
+      return refuse("a non-integral number has no canonical form");
+    case nlohmann::ordered_json::value_t::binary:
+    case nlohmann::ordered_json::value_t::discarded:
+      return refuse("not a JSON value");
+    case nlohmann::ordered_json::value_t::object:
+    case nlohmann::ordered_json::value_t::array:
+      break;
+  }
+  if (depth >= kCanonicalJsonDepthLimit) {
+    return refuse("nested deeper than " + std::to_string(kCanonicalJsonDepthLimit) + " levels");
+  }
+  if (value.is_object()) {
+    writer.beginObject();
+    for (const auto& [key, member] : value.items()) {
+      writer.key(key);
+      if (auto written = writeValue(writer, member, path.empty() ? key : path + "." + key, depth + 1); !written) {
+        return written;
+      }
+    }
+    writer.endObject();
+    return {};
+  }
+  writer.beginArray();
+  std::size_t index = 0;
+  for (const auto& element : value) {
+    if (auto written = writeValue(writer, element, path + "[" + std::to_string(index++) + "]", depth + 1); !written) {
+      return written;
+    }
+  }
+  writer.endArray();
+  return {};
+}
+
+}  // namespace
+
+std::expected<void, std::string> writeCanonicalJson(CanonicalJsonWriter& writer, const nlohmann::ordered_json& value,
+                                                    std::string_view name) {
+  return writeValue(writer, value, std::string(name), 0);
 }
 
 }  // namespace kovi

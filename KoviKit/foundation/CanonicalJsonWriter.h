@@ -4,6 +4,8 @@
 #include <cstring>
 #include <cstddef>
 #include <cstdint>
+#include <expected>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 
@@ -41,6 +43,7 @@ class CanonicalJsonWriter {
   CanonicalJsonWriter& value(std::string_view text);
   CanonicalJsonWriter& value(const char* text) { return value(std::string_view(text)); }
   CanonicalJsonWriter& value(bool flag);
+  CanonicalJsonWriter& null();
   template <std::integral T>
     requires(!std::same_as<T, bool>)
   CanonicalJsonWriter& value(T number) {
@@ -86,5 +89,17 @@ class CanonicalJsonWriter {
   // Whether the next key or value follows a sibling and needs a comma.
   bool followsSibling_ = false;
 };
+
+// How deep a record handed to `writeCanonicalJson` may nest; deeper values are
+// refused rather than walked, so a hostile document cannot exhaust the stack.
+inline constexpr std::size_t kCanonicalJsonDepthLimit = 64;
+
+// Appends `value` to `writer` canonically: object keys in the value's own
+// (declared) order, integers bare, strings with the writer's escapes. A
+// floating-point number, a binary value or nesting beyond the depth limit is
+// refused with the key path where it sits ("steps.days[2]: ...", rooted at
+// `name`), and nothing is promised about what was appended before the refusal.
+std::expected<void, std::string> writeCanonicalJson(CanonicalJsonWriter& writer, const nlohmann::ordered_json& value,
+                                                    std::string_view name = {});
 
 }  // namespace kovi

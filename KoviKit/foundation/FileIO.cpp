@@ -87,14 +87,16 @@ std::expected<std::string, FileReadError> readFileLimited(const std::filesystem:
   return contents;
 }
 
-std::expected<void, std::string> writeFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
+std::expected<void, std::string> writeFileAtomically(const std::filesystem::path& path, std::string_view bytes,
+                                                     std::filesystem::perms permissions) {
   std::error_code error;
   const std::filesystem::path directory = path.has_parent_path() ? path.parent_path() : ".";
   std::filesystem::create_directories(directory, error);
   if (error) return std::unexpected("cannot create " + directory.string() + ": " + error.message());
 
   const std::filesystem::path temporary = temporarySibling(path);
-  FileDescriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644));
+  FileDescriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                              static_cast<mode_t>(permissions & std::filesystem::perms::mask)));
   if (file.get() < 0) return std::unexpected(systemError("cannot create", temporary));
   if (!writeAll(file.get(), bytes) || ::fsync(file.get()) != 0 || !file.close()) {
     const std::string reason = systemError("cannot write", temporary);

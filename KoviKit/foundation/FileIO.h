@@ -23,7 +23,10 @@ std::expected<std::string, FileReadError> readFileLimited(const std::filesystem:
 // the new one, never a torn one: a temporary file in the same directory is
 // written, flushed to disk and renamed over the target, and the directory
 // entry is flushed too. Missing parent directories are created. On failure
-// the error says what failed, and the old file is untouched.
-std::expected<void, std::string> writeFileAtomically(const std::filesystem::path& path, std::string_view bytes);
+// the error says what failed, and the old file is untouched. The new file is
+// created with `permissions` (less what the umask removes), so a secret is
+// never readable by others, not even before a chmod.
+std::expected<void, std::string> writeFileAtomically(const std::filesystem::path& path, std::string_view bytes,
+                                                     std::filesystem::perms permissions = std::filesystem::perms(0644));
 
 }  // namespace kovi

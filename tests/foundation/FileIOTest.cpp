@@ -65,5 +65,16 @@ TEST(FileIOTest, FailedAtomicWriteNamesThePathAndLeavesNothingBehind) {
   EXPECT_EQ(entries, 1u) << "the temporary file must be removed";
 }
 
+TEST(FileIOTest, AtomicWriteCreatesTheFileWithTheRequestedPermissions) {
+  const TemporaryDirectory directory;
+  namespace fs = std::filesystem;
+  const auto secret = directory.path() / "secret.pem";
+  ASSERT_TRUE(writeFileAtomically(secret, "first", fs::perms::owner_read | fs::perms::owner_write));
+  // A replacement is a new file, so it must be created private too.
+  ASSERT_TRUE(writeFileAtomically(secret, "second", fs::perms::owner_read | fs::perms::owner_write));
+  EXPECT_EQ(fs::status(secret).permissions() & fs::perms::mask, fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(readFileLimited(secret, 100), "second");
+}
+
 }  // namespace
 }  // namespace kovi

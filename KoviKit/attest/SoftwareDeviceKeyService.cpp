@@ -1,0 +1,239 @@
+#include "KoviKit/attest/SoftwareDeviceKeyService.h"
+
+#include <fcntl.h>
+#include <openssl/crypto.h>
+#include <openssl/ec.h>
+#include <openssl/pem.h>
+#include <openssl/x509.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <limits>
+
+#include "KoviKit/attest/OpenSslHandles.h"
+#include "KoviKit/foundation/Base64.h"
+#include "KoviKit/foundation/CanonicalJsonWriter.h"
+#include "KoviKit/foundation/FileIO.h"
+#include "KoviKit/foundation/JsonRecordCoding.h"
+
+namespace kovi {
+namespace {
+
+constexpr std::filesystem::perms kOwnerOnly = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
+// A PKCS#8 PEM of a P-256 key is about 240 bytes; anything far larger is not ours.
+constexpr std::size_t kKeyFileLimit = 4096;
+constexpr std::size_t kCounterFileLimit = 256;
+
+// The stored assertion counter: the last value an assertion used.
+struct DeviceKeyCounter {
+  std::int64_t counter = 0;
+  bool operator==(const DeviceKeyCounter&) const = default;
+};
+
+}  // namespace
+
+template <>
+struct JsonRecordFields<DeviceKeyCounter> : StrictJsonRecord {
+  static constexpr auto fields = std::tuple{field("counter", &DeviceKeyCounter::counter)};
+};
+
+namespace {
+
+AppAttestError failure(std::string_view code, std::string detail) { return {std::string(code), std::move(detail)}; }
+
+// Key identifiers become file names, so only the exact form generateKey
+// makes is accepted: nothing else can reach outside the key directory.
+bool isKeyId(std::string_view keyId) {
+  const auto isLowerHex = [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); };
+  return keyId.size() == 64 && std::all_of(keyId.begin(), keyId.end(), isLowerHex);
+}
+
+std::expected<std::vector<std::uint8_t>, std::string> publicKeyDer(EVP_PKEY* key) {
+  unsigned char* der = nullptr;
+  const int length = i2d_PUBKEY(key, &der);
+  if (length <= 0) return std::unexpected(std::string("cannot encode the public key"));
+  std::vector<std::uint8_t> bytes(der, der + length);
+  OPENSSL_free(der);
+  return bytes;
+}
+
+std::expected<std::vector<std::uint8_t>, std::string> signSha256(EVP_PKEY* key, std::span<const std::uint8_t> message) {
+  openssl::MdContext context(EVP_MD_CTX_new());
+  std::size_t length = 0;
+  if (!context || EVP_DigestSignInit(context.get(), nullptr, EVP_sha256(), nullptr, key) != 1 ||
+      EVP_DigestSign(context.get(), nullptr, &length, message.data(), message.size()) != 1) {
+    return std::unexpected(std::string("cannot start an ECDSA signature"));
+  }
+  std::vector<std::uint8_t> signature(length);
+  if (EVP_DigestSign(context.get(), signature.data(), &length, message.data(), message.size()) != 1) {
+    return std::unexpected(std::string("ECDSA signing failed"));
+  }
+  signature.resize(length);
+  return signature;
+}
+
+// Holds an exclusive advisory lock on a file for as long as it lives.
+class FileLock {
+ public:
+  static std::expected<FileLock, std::string> acquire(const std::filesystem::path& path) {
+    const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (fd < 0) return std::unexpected("cannot open " + path.string() + ": " + std::strerror(errno));
+    while (::flock(fd, LOCK_EX) != 0) {
+      if (errno == EINTR) continue;
+      const std::string reason = "cannot lock " + path.string() + ": " + std::strerror(errno);
+      ::close(fd);
+      return std::unexpected(reason);
+    }
+    return FileLock(fd);
+  }
+  FileLock(FileLock&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  FileLock(const FileLock&) = delete;
+  FileLock& operator=(const FileLock&) = delete;
+  FileLock& operator=(FileLock&&) = delete;
+  ~FileLock() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+
+ private:
+  explicit FileLock(int fd) : fd_(fd) {}
+  int fd_;
+};
+
+std::string counterText(std::int64_t counter) {
+  CanonicalJsonWriter writer;
+  writer.beginObject().key("counter").value(counter).endObject();
+  return writer.take();
+}
+
+}  // namespace
+
+SoftwareDeviceKeyService::SoftwareDeviceKeyService(std::filesystem::path dataDirectory, std::string appIdentity)
+    : keyDirectory_(std::move(dataDirectory) / "Kovi" / "DeviceKeys" / "v1"), appIdentity_(std::move(appIdentity)) {}
+
+namespace {
+
+// The private key of `keyId`, checked to be a P-256 key whose public half
+// still hashes to `keyId`: a swapped or damaged file is refused, not used.
+std::expected<openssl::Pkey, std::string> loadKey(const std::filesystem::path& directory, std::string_view keyId) {
+  if (!isKeyId(keyId)) return std::unexpected(std::string("not a device key identifier"));
+  const std::filesystem::path path = directory / (std::string(keyId) + ".pem");
+  auto pem = readFileLimited(path, kKeyFileLimit);
+  if (!pem) {
+    if (pem.error().failure == FileReadFailure::missing) return std::unexpected("no device key " + std::string(keyId));
+    return std::unexpected("cannot read " + path.string() + ": " + pem.error().detail);
+  }
+  openssl::Bio bio(BIO_new_mem_buf(pem->data(), static_cast<int>(pem->size())));
+  openssl::Pkey key(bio ? PEM_read_bio_PrivateKey(bio.get(), nullptr, nullptr, nullptr) : nullptr);
+  OPENSSL_cleanse(pem->data(), pem->size());
+  if (!key || EVP_PKEY_is_a(key.get(), "EC") != 1) return std::unexpected(path.string() + " is not an EC private key");
+  auto der = publicKeyDer(key.get());
+  if (!der) return std::unexpected(der.error());
+  if (lowercaseHex(sha256(*der)) != keyId) return std::unexpected(path.string() + " holds another key than its name");
+  return key;
+}
+
+}  // namespace
+
+std::expected<std::string, AppAttestError> SoftwareDeviceKeyService::generateKey() {
+  openssl::Pkey key(EVP_EC_gen("P-256"));
+  if (!key) return std::unexpected(failure("attestation_failed", "cannot generate a P-256 key"));
+  auto der = publicKeyDer(key.get());
+  if (!der) return std::unexpected(failure("attestation_failed", der.error()));
+  std::string keyId = lowercaseHex(sha256(*der));
+
+  openssl::Bio bio(BIO_new(BIO_s_mem()));
+  if (!bio || PEM_write_bio_PrivateKey(bio.get(), key.get(), nullptr, nullptr, 0, nullptr, nullptr) != 1) {
+    return std::unexpected(failure("attestation_failed", "cannot encode the private key"));
+  }
+  char* pemData = nullptr;
+  const long pemLength = BIO_get_mem_data(bio.get(), &pemData);
+  // The counter exists before the key does, so a key file never stands
+  // without the counter that guards it.
+  if (auto written = writeFileAtomically(keyDirectory_ / (keyId + ".counter"), counterText(0), kOwnerOnly); !written) {
+    return std::unexpected(failure("attestation_failed", written.error()));
+  }
+  auto written = writeFileAtomically(keyDirectory_ / (keyId + ".pem"),
+                                     std::string_view(pemData, static_cast<std::size_t>(pemLength)), kOwnerOnly);
+  OPENSSL_cleanse(pemData, static_cast<std::size_t>(pemLength));
+  if (!written) return std::unexpected(failure("attestation_failed", written.error()));
+  return keyId;
+}
+
+std::expected<std::vector<std::uint8_t>, AppAttestError> SoftwareDeviceKeyService::publicKey(
+    std::string_view keyId) const {
+  auto key = loadKey(keyDirectory_, keyId);
+  if (!key) return std::unexpected(failure("attestation_failed", key.error()));
+  auto der = publicKeyDer(key->get());
+  if (!der) return std::unexpected(failure("attestation_failed", der.error()));
+  return *der;
+}
+
+std::expected<std::vector<std::uint8_t>, AppAttestError> SoftwareDeviceKeyService::attestKey(
+    std::string_view keyId, const Sha256Digest& clientDataHash) {
+  auto key = loadKey(keyDirectory_, keyId);
+  if (!key) return std::unexpected(failure("attestation_failed", key.error()));
+  auto der = publicKeyDer(key->get());
+  if (!der) return std::unexpected(failure("attestation_failed", der.error()));
+  auto signature = signSha256(key->get(), clientDataHash);
+  if (!signature) return std::unexpected(failure("attestation_failed", signature.error()));
+  CanonicalJsonWriter writer;
+  writer.beginObject()
+      .key("fmt")
+      .value("kovi-software-p256")
+      .key("publicKey")
+      .value(base64Encode(*der))
+      .key("signature")
+      .value(base64Encode(*signature))
+      .endObject();
+  const std::string_view text = writer.text();
+  return std::vector<std::uint8_t>(text.begin(), text.end());
+}
+
+std::expected<AppAttestAssertion, AppAttestError> SoftwareDeviceKeyService::generateAssertion(
+    std::string_view keyId, const Sha256Digest& clientDataHash) {
+  auto key = loadKey(keyDirectory_, keyId);
+  if (!key) return std::unexpected(failure("assertion_failed", key.error()));
+
+  std::scoped_lock processLock(assertionMutex_);
+  const std::filesystem::path counterPath = keyDirectory_ / (std::string(keyId) + ".counter");
+  auto fileLock = FileLock::acquire(keyDirectory_ / (std::string(keyId) + ".lock"));
+  if (!fileLock) return std::unexpected(failure("assertion_failed", fileLock.error()));
+
+  // A missing or unreadable counter is refused rather than restarted at zero:
+  // starting over would repeat counters the service has already seen.
+  auto stored = readFileLimited(counterPath, kCounterFileLimit);
+  if (!stored) {
+    return std::unexpected(
+        failure("assertion_failed", "cannot read " + counterPath.string() + ": " + stored.error().detail));
+  }
+  auto last = decodeJsonText<DeviceKeyCounter>(*stored);
+  if (!last) {
+    return std::unexpected(
+        failure("assertion_failed", counterPath.string() + " is corrupt: " + last.error().message()));
+  }
+  if (last->counter < 0 || last->counter >= std::int64_t{std::numeric_limits<std::uint32_t>::max()}) {
+    return std::unexpected(failure("assertion_failed", "the key's assertion counter is used up; register a new key"));
+  }
+  const auto counter = static_cast<std::uint32_t>(last->counter + 1);
+  if (auto written = writeFileAtomically(counterPath, counterText(counter), kOwnerOnly); !written) {
+    return std::unexpected(failure("assertion_failed", written.error()));
+  }
+
+  AppAttestAssertion assertion;
+  const Sha256Digest appHash = sha256(appIdentity_);
+  assertion.authenticatorData.assign(appHash.begin(), appHash.end());
+  for (int shift = 24; shift >= 0; shift -= 8) {
+    assertion.authenticatorData.push_back(static_cast<std::uint8_t>(counter >> shift));
+  }
+  std::vector<std::uint8_t> message = assertion.authenticatorData;
+  message.insert(message.end(), clientDataHash.begin(), clientDataHash.end());
+  auto signature = signSha256(key->get(), message);
+  if (!signature) return std::unexpected(failure("assertion_failed", signature.error()));
+  assertion.signature = std::move(*signature);
+  return assertion;
+}
+
+}  // namespace kovi

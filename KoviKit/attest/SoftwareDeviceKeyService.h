@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <filesystem>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "KoviKit/attest/DeviceKeyService.h"
+
+namespace kovi {
+
+// The attestation environment a software key reports: it proves nothing about
+// the hardware, so it never claims production.
+inline constexpr std::string_view kSoftwareDeviceKeyEnvironment = "development";
+
+// The portable device key service: OpenSSL P-256 keys kept as files under
+// `<dataDirectory>/Kovi/DeviceKeys/v1/`.
+//
+// - A key's identifier is the lowercase hex SHA-256 of its DER
+//   SubjectPublicKeyInfo; its private key is `<keyId>.pem` (PKCS#8), and its
+//   assertion counter `<keyId>.counter`, both mode 0600 and written atomically.
+// - The attestation object is the UTF-8 JSON
+//   {"fmt":"kovi-software-p256","publicKey":<base64 SPKI DER>,
+//    "signature":<base64 DER ECDSA-SHA256 over the client-data hash>}.
+// - An assertion's authenticator data is SHA-256(appIdentity) followed by the
+//   4-byte big-endian counter; the counter is stored before the assertion is
+//   returned, and concurrent processes take turns through a lock file, so no
+//   two assertions of a key ever share a counter.
+//
+// Private keys are never logged, printed or put in an error.
+class SoftwareDeviceKeyService final : public DeviceKeyService {
+ public:
+  SoftwareDeviceKeyService(std::filesystem::path dataDirectory, std::string appIdentity);
+
+  bool isSupported() const override { return true; }
+  std::expected<std::string, AppAttestError> generateKey() override;
+  std::expected<std::vector<std::uint8_t>, AppAttestError> attestKey(std::string_view keyId,
+                                                                   const Sha256Digest& clientDataHash) override;
+  std::expected<AppAttestAssertion, AppAttestError> generateAssertion(std::string_view keyId,
+                                                                     const Sha256Digest& clientDataHash) override;
+
+  // The DER SubjectPublicKeyInfo of `keyId`, as a service registers it.
+  std::expected<std::vector<std::uint8_t>, AppAttestError> publicKey(std::string_view keyId) const;
+
+  const std::string& appIdentity() const { return appIdentity_; }
+  const std::filesystem::path& keyDirectory() const { return keyDirectory_; }
+
+ private:
+  std::filesystem::path keyDirectory_;
+  std::string appIdentity_;
+  // Serialises assertions within the process; the lock file does it across processes.
+  std::mutex assertionMutex_;
+};
+
+}  // namespace kovi

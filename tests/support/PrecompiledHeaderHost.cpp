@@ -1,0 +1,1 @@
+// Compiles the test suites' shared precompiled header; see CMakeLists.txt.
