@@ -1,8 +1,8 @@
 #include "KoviKit/attest/SoftwarePasskeyService.h"
 
-#include <openssl/evp.h>
+#include <openssl/crypto.h>
+#include <openssl/ec.h>
 #include <openssl/rand.h>
-#include <openssl/x509.h>
 
 #include <algorithm>
 #include <array>
@@ -11,6 +11,8 @@
 #include <nlohmann/json.hpp>
 #include <tuple>
 
+#include "KoviKit/attest/FileLock.h"
+#include "KoviKit/attest/P256Key.h"
 #include "KoviKit/foundation/Base64.h"
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/foundation/JsonRecordCoding.h"
@@ -19,14 +21,13 @@
 namespace kovi {
 namespace software_passkey {
 
-// A passkey's file. `privateKey` is the key's DER, base64url; `counter` is the
-// last value an assertion used.
+// A passkey's record beside its key: whose it is and the last counter value
+// an assertion used.
 struct StoredPasskey {
   std::int64_t version = 0;
   std::string credentialId;
   std::string relyingPartyId;
-  std::string userHandle;
-  std::string privateKey;
+  std::string userHandle;  // base64url
   std::int64_t counter = 0;
 };
 
@@ -36,9 +37,11 @@ template <>
 struct JsonRecordFields<software_passkey::StoredPasskey> : StrictJsonRecord {
   using Stored = software_passkey::StoredPasskey;
   static constexpr auto fields = std::tuple{
-      field("version", &Stored::version),       field("credentialId", &Stored::credentialId),
-      field("relyingPartyId", &Stored::relyingPartyId), field("userHandle", &Stored::userHandle),
-      field("privateKey", &Stored::privateKey), field("counter", &Stored::counter),
+      field("version", &Stored::version),
+      field("credentialId", &Stored::credentialId),
+      field("relyingPartyId", &Stored::relyingPartyId),
+      field("userHandle", &Stored::userHandle),
+      field("counter", &Stored::counter),
   };
 };
 
@@ -47,18 +50,11 @@ namespace {
 using software_passkey::StoredPasskey;
 
 constexpr std::int64_t kVersion = 1;
-constexpr std::size_t kFileLimit = 16 * 1024;
+constexpr std::size_t kFileLimit = 4096;
 constexpr std::size_t kIdBytes = 16;
+constexpr std::filesystem::perms kOwnerOnly = std::filesystem::perms::owner_read | std::filesystem::perms::owner_write;
 // WebAuthn flags: user present (UP) and user verified (UV).
 constexpr std::uint8_t kFlags = 0x01 | 0x04;
-
-struct KeyDeleter {
-  void operator()(EVP_PKEY* key) const { EVP_PKEY_free(key); }
-};
-struct SigningDeleter {
-  void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
-};
-using Key = std::unique_ptr<EVP_PKEY, KeyDeleter>;
 
 AppAttestError failure(std::string_view code, std::string detail) { return {std::string(code), std::move(detail)}; }
 
@@ -74,62 +70,40 @@ std::expected<std::vector<std::uint8_t>, AppAttestError> randomBytes(std::size_t
 // anything else cannot be one of ours.
 bool isCredentialId(std::string_view text) {
   return !text.empty() && text.size() <= 64 && std::ranges::all_of(text, [](char c) {
-           return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
-         });
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
+  });
 }
 
-std::vector<std::uint8_t> derOf(EVP_PKEY* key, bool privatePart) {
-  unsigned char* buffer = nullptr;
-  const int length = privatePart ? i2d_PrivateKey(key, &buffer) : i2d_PUBKEY(key, &buffer);
-  if (length <= 0) return {};
-  std::vector<std::uint8_t> der(buffer, buffer + length);
-  OPENSSL_clear_free(buffer, static_cast<std::size_t>(length));
-  return der;
-}
-
-std::expected<void, AppAttestError> store(const std::filesystem::path& path, const StoredPasskey& passkey) {
-  const std::string text = encodeRecord(passkey).dump();
-  if (auto written = writeFileAtomically(path, text, kPrivateFileMode); !written) {
+std::expected<void, AppAttestError> writeRecord(const std::filesystem::path& path, const StoredPasskey& passkey) {
+  if (auto written = writeFileAtomically(path, encodeRecord(passkey).dump(), kOwnerOnly); !written) {
     return std::unexpected(failure(passkeyErrorCode::failed, written.error()));
   }
   return {};
 }
 
-std::expected<StoredPasskey, AppAttestError> load(const std::filesystem::path& path) {
+std::expected<StoredPasskey, AppAttestError> readRecord(const std::filesystem::path& path) {
   auto bytes = readFileLimited(path, kFileLimit);
   if (!bytes) {
     const bool missing = bytes.error().failure == FileReadFailure::missing;
     return std::unexpected(failure(missing ? passkeyErrorCode::notFound : passkeyErrorCode::failed,
-                                   path.string() + ": " + bytes.error().detail));
+                                   "cannot read " + path.string() + ": " + bytes.error().detail));
   }
   auto stored = decodeJsonText<StoredPasskey>(*bytes);
-  if (!stored) return std::unexpected(failure(passkeyErrorCode::failed, path.string() + ": " + stored.error().message()));
+  if (!stored) {
+    return std::unexpected(failure(passkeyErrorCode::failed, path.string() + " is corrupt: " + stored.error().message()));
+  }
   if (stored->version != kVersion) {
     return std::unexpected(failure(passkeyErrorCode::failed, path.string() + ": unsupported version"));
   }
   return std::move(*stored);
 }
 
-std::expected<std::vector<std::uint8_t>, AppAttestError> sign(const StoredPasskey& passkey,
-                                                              std::span<const std::uint8_t> message) {
-  auto der = base64UrlDecode(passkey.privateKey);
-  if (!der) return std::unexpected(failure(passkeyErrorCode::failed, "stored key is not base64url"));
-  const unsigned char* cursor = der->data();
-  Key key(d2i_PrivateKey(EVP_PKEY_EC, nullptr, &cursor, static_cast<long>(der->size())));
-  OPENSSL_cleanse(der->data(), der->size());
-  if (!key) return std::unexpected(failure(passkeyErrorCode::failed, "stored key does not decode"));
-  std::unique_ptr<EVP_MD_CTX, SigningDeleter> context(EVP_MD_CTX_new());
-  std::size_t length = 0;
-  if (!context || EVP_DigestSignInit(context.get(), nullptr, EVP_sha256(), nullptr, key.get()) != 1 ||
-      EVP_DigestSign(context.get(), nullptr, &length, message.data(), message.size()) != 1) {
-    return std::unexpected(failure(passkeyErrorCode::failed, "signing failed"));
-  }
-  std::vector<std::uint8_t> signature(length);
-  if (EVP_DigestSign(context.get(), signature.data(), &length, message.data(), message.size()) != 1) {
-    return std::unexpected(failure(passkeyErrorCode::failed, "signing failed"));
-  }
-  signature.resize(length);
-  return signature;
+std::expected<openssl::Pkey, AppAttestError> readKey(const std::filesystem::path& path) {
+  auto pem = readFileLimited(path, kFileLimit);
+  if (!pem) return std::unexpected(failure(passkeyErrorCode::failed, "cannot read " + path.string()));
+  auto key = p256PrivateKeyFromPem(*pem);
+  if (!key) return std::unexpected(failure(passkeyErrorCode::failed, path.string() + ": " + key.error()));
+  return std::move(*key);
 }
 
 }  // namespace
@@ -140,52 +114,67 @@ SoftwarePasskeyService::SoftwarePasskeyService(const std::filesystem::path& data
 
 std::expected<PasskeyCredential, AppAttestError> SoftwarePasskeyService::createCredential() {
   const std::lock_guard lock(mutex_);
-  Key key(EVP_EC_gen("P-256"));
-  if (!key) return std::unexpected(failure(passkeyErrorCode::failed, "key generation failed"));
+  openssl::Pkey key(EVP_EC_gen("P-256"));
+  if (!key) return std::unexpected(failure(passkeyErrorCode::failed, "cannot generate a P-256 key"));
+  auto publicKey = p256PublicKeyDer(key.get());
+  if (!publicKey) return std::unexpected(failure(passkeyErrorCode::failed, publicKey.error()));
   auto id = randomBytes(kIdBytes);
   if (!id) return std::unexpected(id.error());
   auto userHandle = randomBytes(kIdBytes);
   if (!userHandle) return std::unexpected(userHandle.error());
+  const StoredPasskey stored{kVersion, base64UrlEncode(*id), relyingParty_.id, base64UrlEncode(*userHandle), 0};
 
-  std::vector<std::uint8_t> privateDer = derOf(key.get(), true);
-  StoredPasskey stored{kVersion, base64UrlEncode(*id), relyingParty_.id, base64UrlEncode(*userHandle),
-                       base64UrlEncode(privateDer), 0};
-  OPENSSL_cleanse(privateDer.data(), privateDer.size());
-  auto written = store(folder_ / (stored.credentialId + ".json"), stored);
-  OPENSSL_cleanse(stored.privateKey.data(), stored.privateKey.size());
-  if (!written) return std::unexpected(written.error());
-  return PasskeyCredential{stored.credentialId, derOf(key.get(), false), *userHandle};
+  auto pem = p256PrivateKeyPem(key.get());
+  if (!pem) return std::unexpected(failure(passkeyErrorCode::failed, pem.error()));
+  auto writtenKey = writeFileAtomically(folder_ / (stored.credentialId + ".pem"), *pem, kOwnerOnly);
+  OPENSSL_cleanse(pem->data(), pem->size());
+  if (!writtenKey) return std::unexpected(failure(passkeyErrorCode::failed, writtenKey.error()));
+  // The record comes last: a passkey is listed only once its key is on disk.
+  if (auto written = writeRecord(folder_ / (stored.credentialId + ".json"), stored); !written) {
+    return std::unexpected(written.error());
+  }
+  return PasskeyCredential{stored.credentialId, std::move(*publicKey), std::move(*userHandle)};
 }
 
 std::expected<PasskeyAssertion, AppAttestError> SoftwarePasskeyService::getAssertion(
     std::span<const std::uint8_t> challenge, const std::optional<std::string>& credentialId) {
-  const std::lock_guard lock(mutex_);
-  std::filesystem::path path;
+  std::string id;
   if (credentialId) {
     if (!isCredentialId(*credentialId)) return std::unexpected(failure(passkeyErrorCode::notFound, "not a credential id"));
-    path = folder_ / (*credentialId + ".json");
+    id = *credentialId;
   } else {
     // Without a name, the only passkey there is; with several, the caller
     // must choose.
     std::error_code error;
-    std::vector<std::filesystem::path> found;
+    std::vector<std::string> found;
     for (const auto& entry : std::filesystem::directory_iterator(folder_, error)) {
-      if (entry.path().extension() == ".json" && isCredentialId(entry.path().stem().string())) found.push_back(entry.path());
+      const std::string stem = entry.path().stem().string();
+      if (entry.path().extension() == ".json" && isCredentialId(stem)) found.push_back(stem);
     }
     if (found.empty()) return std::unexpected(failure(passkeyErrorCode::notFound, "no passkey has been made"));
     if (found.size() > 1) return std::unexpected(failure(passkeyErrorCode::failed, "several passkeys; name one"));
-    path = found.front();
+    id = found.front();
   }
-  auto stored = load(path);
+
+  const std::lock_guard lock(mutex_);
+  auto fileLock = FileLock::acquire(folder_ / (id + ".lock"));
+  if (!fileLock) return std::unexpected(failure(passkeyErrorCode::failed, fileLock.error()));
+  const std::filesystem::path recordPath = folder_ / (id + ".json");
+  auto stored = readRecord(recordPath);
   if (!stored) return std::unexpected(stored.error());
   if (stored->relyingPartyId != relyingParty_.id) {
     return std::unexpected(failure(passkeyErrorCode::notFound, "the passkey belongs to another relying party"));
   }
+  auto key = readKey(folder_ / (id + ".pem"));
+  if (!key) return std::unexpected(key.error());
   // The counter is 4 bytes on the wire; a passkey that used them all is done.
-  if (stored->counter < 0 || stored->counter >= std::numeric_limits<std::uint32_t>::max()) {
-    return std::unexpected(failure(passkeyErrorCode::failed, "the passkey's counter is exhausted"));
+  if (stored->counter < 0 || stored->counter >= std::int64_t{std::numeric_limits<std::uint32_t>::max()}) {
+    return std::unexpected(failure(passkeyErrorCode::failed, "the passkey's counter is used up; make a new one"));
   }
   const auto counter = static_cast<std::uint32_t>(stored->counter + 1);
+  // The counter is on disk before any assertion that uses it exists.
+  stored->counter = counter;
+  if (auto written = writeRecord(recordPath, *stored); !written) return std::unexpected(written.error());
 
   std::vector<std::uint8_t> authenticatorData;
   const Sha256Digest relyingPartyHash = sha256(relyingParty_.id);
@@ -202,19 +191,12 @@ std::expected<PasskeyAssertion, AppAttestError> SoftwarePasskeyService::getAsser
   std::vector<std::uint8_t> signedBytes = authenticatorData;
   const Sha256Digest clientDataHash = sha256(clientDataText);
   signedBytes.insert(signedBytes.end(), clientDataHash.begin(), clientDataHash.end());
-  auto signature = sign(*stored, signedBytes);
-  if (!signature) return std::unexpected(signature.error());
+  auto signature = p256SignSha256(key->get(), signedBytes);
+  if (!signature) return std::unexpected(failure(passkeyErrorCode::failed, signature.error()));
 
-  // The counter is on disk before anyone sees an assertion that used it.
-  stored->counter = counter;
-  auto written = store(path, *stored);
-  OPENSSL_cleanse(stored->privateKey.data(), stored->privateKey.size());
-  if (!written) return std::unexpected(written.error());
-
-  auto userHandle = base64UrlDecode(stored->userHandle);
   return PasskeyAssertion{stored->credentialId, std::move(authenticatorData),
                           std::vector<std::uint8_t>(clientDataText.begin(), clientDataText.end()),
-                          std::move(*signature), userHandle.value_or(std::vector<std::uint8_t>{})};
+                          std::move(*signature), base64UrlDecode(stored->userHandle).value_or(std::vector<std::uint8_t>{})};
 }
 
 }  // namespace kovi
