@@ -124,4 +124,15 @@ WalletCeremonyOutcome V6WalletOperations::resubmit() {
   return ceremony().resume(**last);
 }
 
+WalletCeremonyOutcome V6WalletOperations::cancel() {
+  auto last = store_.load(options_.member);
+  if (!last) return storeFailure(last.error());
+  if (!*last || (*last)->status != V6WalletOperationStatus::prepared) {
+    return {WalletCeremonyPhase::failed(v6WalletErrorTable().messageFor(walletErrorCode::actionNotAvailable)), *last};
+  }
+  auto cancelled = kept(api_.cancelOperation((*last)->requestId, options_.token));
+  if (!cancelled) return {walletCeremonyPhase(cancelled.error()), *last};
+  return {walletCeremonyPhase(cancelled->status), *cancelled};
+}
+
 }  // namespace kovi

@@ -50,6 +50,11 @@ class V6WalletOperations {
   // makes no second contribution of it.
   WalletCeremonyOutcome resubmit();
 
+  // Asks the service to drop the member's prepared operation (one the member
+  // chose not to approve), so it no longer holds the member back. Anything
+  // past preparation can no longer be cancelled and is refused unsent.
+  WalletCeremonyOutcome cancel();
+
  private:
   WalletOperationCeremony ceremony();
   WalletStepResult<V6WalletOperation> kept(std::expected<V6WalletOperation, NativeAccountError> answer);

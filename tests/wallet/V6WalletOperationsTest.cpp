@@ -229,12 +229,22 @@ INSTANTIATE_TEST_SUITE_P(
                       FenceCase{"before approving", 3, 1, 0, {"prepareOperation"}},
                       FenceCase{"before submitting", 4, 1, 1, {"prepareOperation", "approveOperation"}}));
 
-TEST_F(V6WalletOperationsTest, DismissingThePasskeyCancelsWithNothingSent) {
+TEST_F(V6WalletOperationsTest, DismissingThePasskeyCancelsAndTheServiceDropsThePreparedOperation) {
   serve({{Status::confirmed}});
   passkeys_.declines = true;
   const auto outcome = operations_->start(joinIntent());
   EXPECT_EQ(outcome.phase.kind, Kind::cancelled);
   EXPECT_EQ(service_->actions(), (std::vector<std::string>{"prepareOperation"}));
+
+  // The prepared operation holds the member back until the service drops it.
+  EXPECT_EQ(operations_->start(joinIntent()).phase.kind, Kind::failed);
+  const auto dropped = operations_->cancel();
+  EXPECT_EQ(dropped.phase.kind, Kind::cancelled);
+  EXPECT_EQ(kept()->status, Status::cancelled);
+  // Only a prepared operation can be dropped.
+  EXPECT_EQ(operations_->cancel().phase.kind, Kind::failed);
+  passkeys_.declines = false;
+  EXPECT_EQ(operations_->start(joinIntent()).phase.kind, Kind::confirmed);
 }
 
 TEST_F(V6WalletOperationsTest, AnAssertionForAnotherRelyingPartyIsRefusedByTheService) {

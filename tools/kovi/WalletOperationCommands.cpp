@@ -177,6 +177,19 @@ void addWalletOperationCommands(CLI::App& app) {
       "to its submission was lost, and observe it; the service makes no second contribution.\n" +
           phases + " Exit 0 only when confirmed.");
   addOperationOptions(*resubmit, *resubmitOptions);
+  auto cancelOptions = std::make_shared<OperationOptions>();
+  CLI::App* cancel = wallet.add_subcommand(
+      "cancel",
+      "Ask the service to drop the account's prepared operation (one not approved), so a new\n"
+      "action can start. Anything past preparation is refused unsent. " + phases +
+          " Exit 0 when cancelled.");
+  addOperationOptions(*cancel, *cancelOptions);
+  cancel->callback([cancelOptions] {
+    withOperations(*cancelOptions, [](V6WalletOperations& operations) {
+      const auto outcome = operations.cancel();
+      exitFor(outcome, outcome.phase.kind == WalletCeremonyPhase::Kind::cancelled);
+    });
+  });
   resubmit->callback([resubmitOptions] {
     withOperations(*resubmitOptions, [](V6WalletOperations& operations) {
       const auto outcome = operations.resubmit();
