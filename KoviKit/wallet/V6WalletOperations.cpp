@@ -76,12 +76,7 @@ WalletOperationCeremony V6WalletOperations::ceremony() {
   ceremony.observeOperation = [this](const V6WalletOperation& operation) {
     return kept(api_.operation(operation.requestId, options_.token));
   };
-  ceremony.fence = options_.fence;
-  ceremony.pollInterval = options_.pollInterval;
-  ceremony.pollLimit = options_.pollLimit;
-  ceremony.now = options_.now;
-  ceremony.sleep = options_.sleep;
-  ceremony.phaseObserver = options_.phaseObserver;
+  static_cast<WalletCeremonySettings&>(ceremony) = options_.ceremony;
   return ceremony;
 }
 
@@ -91,7 +86,7 @@ WalletCeremonyOutcome V6WalletOperations::start(const V6WalletIntent& intent) {
   if (*last && isOpen((*last)->status)) {
     // A prepared operation whose time ran out was never sent; it no longer
     // holds the member back.
-    const double now = options_.now ? options_.now() : static_cast<double>(Date::now().unixMillis()) / 1000.0;
+    const double now = options_.ceremony.now ? options_.ceremony.now() : static_cast<double>(Date::now().unixMillis()) / 1000.0;
     const bool lapsed = (*last)->status == V6WalletOperationStatus::prepared && (*last)->hasExpired(now);
     if (!lapsed) {
       return {WalletCeremonyPhase::failed(

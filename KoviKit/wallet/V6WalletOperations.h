@@ -18,13 +18,7 @@ struct V6WalletOperationsOptions {
   std::optional<std::string> token;
   // The passkey to approve with; the only one there is when absent.
   std::optional<std::string> passkeyCredentialId;
-  // As in `WalletOperationCeremony`.
-  std::function<bool()> fence;
-  std::chrono::milliseconds pollInterval{std::chrono::seconds(3)};
-  int pollLimit = 40;
-  std::function<double()> now;
-  std::function<void(std::chrono::milliseconds)> sleep;
-  std::function<void(const WalletCeremonyPhase&, const std::optional<V6WalletOperation>&)> phaseObserver;
+  WalletCeremonySettings ceremony;
 };
 
 // A member's wallet operations on this device: the ceremony over the wallet

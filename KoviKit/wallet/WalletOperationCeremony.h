@@ -38,27 +38,8 @@ struct WalletCeremonyOutcome {
   bool operator==(const WalletCeremonyOutcome&) const = default;
 };
 
-// One wallet operation from preparation to its result on chain:
-//
-//   preparing → awaitingAuthorization → submitting → observing
-//     → confirmed | reverted | replaced
-//
-// with `unreconciled` while the chain's result cannot yet be tied to the
-// operation, `expired` when its time runs out before submission, `cancelled`
-// when the member stops, and `failed(message)` otherwise. Each step is a
-// replaceable function; `fence` runs before every step and stops the
-// ceremony when the account or session changed. Only an operation whose
-// status is `prepared` is ever given to `authorizeOperation`, so an
-// operation seen as replaced (or anything past preparation) is never signed.
-struct WalletOperationCeremony {
-  std::function<WalletStepResult<V6WalletOperation>(const V6WalletIntent&)> prepareOperation;
-  // The passkey's approval of the operation: the assertion's fields.
-  std::function<WalletStepResult<V6WalletStringMap>(const V6WalletOperation&)> authorizeOperation;
-  std::function<WalletStepResult<V6WalletOperation>(const V6WalletOperation&, const V6WalletStringMap&)>
-      approveOperation;
-  std::function<WalletStepResult<V6WalletOperation>(const V6WalletOperation&)> submitOperation;
-  // Reads the operation again.
-  std::function<WalletStepResult<V6WalletOperation>(const V6WalletOperation&)> observeOperation;
+// How a ceremony watches and paces itself, apart from its steps.
+struct WalletCeremonySettings {
   // True while the account and session are the ones the ceremony began with.
   std::function<bool()> fence;
   std::chrono::milliseconds pollInterval{std::chrono::seconds(3)};
@@ -71,7 +52,29 @@ struct WalletOperationCeremony {
   std::function<double()> now;
   std::function<void(std::chrono::milliseconds)> sleep;
   std::function<void(const WalletCeremonyPhase&, const std::optional<V6WalletOperation>&)> phaseObserver;
+};
 
+// One wallet operation from preparation to its result on chain:
+//
+//   preparing → awaitingAuthorization → submitting → observing
+//     → confirmed | reverted | replaced
+//
+// with `unreconciled` while the chain's result cannot yet be tied to the
+// operation, `expired` when its time runs out before submission, `cancelled`
+// when the member stops, and `failed(message)` otherwise. Each step is a
+// replaceable function; `fence` runs before every step and stops the
+// ceremony when the account or session changed. Only an operation whose
+// status is `prepared` is ever given to `authorizeOperation`, so an
+// operation seen as replaced (or anything past preparation) is never signed.
+struct WalletOperationCeremony : WalletCeremonySettings {
+  std::function<WalletStepResult<V6WalletOperation>(const V6WalletIntent&)> prepareOperation;
+  // The passkey's approval of the operation: the assertion's fields.
+  std::function<WalletStepResult<V6WalletStringMap>(const V6WalletOperation&)> authorizeOperation;
+  std::function<WalletStepResult<V6WalletOperation>(const V6WalletOperation&, const V6WalletStringMap&)>
+      approveOperation;
+  std::function<WalletStepResult<V6WalletOperation>(const V6WalletOperation&)> submitOperation;
+  // Reads the operation again.
+  std::function<WalletStepResult<V6WalletOperation>(const V6WalletOperation&)> observeOperation;
   // The whole ceremony for a new operation.
   WalletCeremonyOutcome run(const V6WalletIntent& intent) const;
   // Carries an existing operation on from where it stands: authorises a

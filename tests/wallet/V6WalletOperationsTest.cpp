@@ -62,12 +62,12 @@ class V6WalletOperationsTest : public ::testing::Test {
     V6WalletOperationsOptions options;
     options.member = "member-7";
     options.token = "session-token";
-    options.fence = [this] { return ++fenceChecks_ < fenceTripsAt_; };
-    options.pollInterval = std::chrono::milliseconds(1500);
-    options.pollLimit = 4;
-    options.now = [this] { return now_.load(); };
-    options.sleep = [this](std::chrono::milliseconds wait) { now_ = now_ + static_cast<double>(wait.count()) / 1000.0; };
-    options.phaseObserver = [this](const WalletCeremonyPhase& phase, const std::optional<V6WalletOperation>&) {
+    options.ceremony.fence = [this] { return ++fenceChecks_ < fenceTripsAt_; };
+    options.ceremony.pollInterval = std::chrono::milliseconds(1500);
+    options.ceremony.pollLimit = 4;
+    options.ceremony.now = [this] { return now_.load(); };
+    options.ceremony.sleep = [this](std::chrono::milliseconds wait) { now_ = now_ + static_cast<double>(wait.count()) / 1000.0; };
+    options.ceremony.phaseObserver = [this](const WalletCeremonyPhase& phase, const std::optional<V6WalletOperation>&) {
       phases_.push_back(std::string(phase.name()));
     };
     operations_ = std::make_unique<V6WalletOperations>(*api_, store_, passkeys_, std::move(options));
@@ -258,7 +258,7 @@ TEST_F(V6WalletOperationsTest, AnAssertionForAnotherRelyingPartyIsRefusedByTheSe
   serve({{Status::confirmed}});
   V6WalletOperationsOptions options;
   options.member = "member-8";
-  options.now = [this] { return now_.load(); };
+  options.ceremony.now = [this] { return now_.load(); };
   V6WalletOperations impostor(*api_, store_, wrong, std::move(options));
   const auto outcome = impostor.start(joinIntent());
   EXPECT_EQ(outcome.phase.kind, Kind::failed);

@@ -68,9 +68,9 @@ void withOperations(const OperationOptions& options, Act act) {
   settings.member = options.account;
   settings.token = options.token;
   settings.passkeyCredentialId = options.passkey;
-  settings.pollInterval = std::chrono::milliseconds(options.pollIntervalMs);
-  settings.pollLimit = options.pollLimit;
-  settings.phaseObserver = [](const WalletCeremonyPhase& phase, const std::optional<V6WalletOperation>&) {
+  settings.ceremony.pollInterval = std::chrono::milliseconds(options.pollIntervalMs);
+  settings.ceremony.pollLimit = options.pollLimit;
+  settings.ceremony.phaseObserver = [](const WalletCeremonyPhase& phase, const std::optional<V6WalletOperation>&) {
     std::cerr << phase.name() << ": " << phase.title() << '\n';
   };
   V6WalletOperations operations(api, store, passkeys, std::move(settings));
