@@ -48,23 +48,6 @@ std::string WalletCeremonyPhase::message() const {
   return localized(textOf(kind).message);
 }
 
-bool WalletCeremonyPhase::isFinal() const {
-  switch (kind) {
-    case Kind::preparing:
-    case Kind::awaitingAuthorization:
-    case Kind::submitting:
-    case Kind::observing:
-    case Kind::unreconciled: return false;
-    case Kind::confirmed:
-    case Kind::reverted:
-    case Kind::replaced:
-    case Kind::expired:
-    case Kind::cancelled:
-    case Kind::failed: return true;
-  }
-  return true;
-}
-
 WalletCeremonyPhase walletCeremonyPhase(V6WalletOperationStatus status) {
   using Kind = WalletCeremonyPhase::Kind;
   switch (status) {

@@ -39,8 +39,6 @@ struct WalletCeremonyPhase {
   std::string title() const;
   // The sentence under it: "İşlem zincire yazıldı; onay bekleniyor. …".
   std::string message() const;
-  // True for the phases a ceremony ends in for good.
-  bool isFinal() const;
 
   bool operator==(const WalletCeremonyPhase&) const = default;
 };

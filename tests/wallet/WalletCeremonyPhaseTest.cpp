@@ -18,7 +18,6 @@ struct PhaseCase {
   Kind kind;
   std::string title;
   std::string message;
-  bool isFinal;
 };
 
 void PrintTo(const PhaseCase& example, std::ostream* out) { *out << enumName(example.kind); }
@@ -29,29 +28,26 @@ TEST_P(WalletCeremonyPhaseTextTest, ShowsThePhasesTexts) {
   const WalletCeremonyPhase phase{GetParam().kind, {}};
   EXPECT_EQ(phase.title(), GetParam().title);
   EXPECT_EQ(phase.message(), GetParam().message);
-  EXPECT_EQ(phase.isFinal(), GetParam().isFinal);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Phases, WalletCeremonyPhaseTextTest,
     ::testing::Values(
-        PhaseCase{Kind::preparing, "İşlem hazırlanıyor", "İşlem sunucuda hazırlanıyor; henüz hiçbir şey gönderilmedi.", false},
-        PhaseCase{Kind::awaitingAuthorization, "Onayın bekleniyor", "Geçiş anahtarınla işlemi onayla.", false},
-        PhaseCase{Kind::submitting, "İşlem gönderiliyor", "Onaylandı; işlem zincire gönderiliyor.", false},
+        PhaseCase{Kind::preparing, "İşlem hazırlanıyor", "İşlem sunucuda hazırlanıyor; henüz hiçbir şey gönderilmedi."},
+        PhaseCase{Kind::awaitingAuthorization, "Onayın bekleniyor", "Geçiş anahtarınla işlemi onayla."},
+        PhaseCase{Kind::submitting, "İşlem gönderiliyor", "Onaylandı; işlem zincire gönderiliyor."},
         PhaseCase{Kind::observing, "Zincirde doğrulanıyor",
-                  "İşlem zincire yazıldı; onay bekleniyor. Bu sırada yeniden imzalanmaz.", false},
+                  "İşlem zincire yazıldı; onay bekleniyor. Bu sırada yeniden imzalanmaz."},
         PhaseCase{Kind::unreconciled, "İşlemin sonucu inceleniyor",
-                  "İşlemin sıra numarası kullanılmış ama sonuç henüz doğrulanamadı. Tekrar onaylama; durumu kontrol et.",
-                  false},
-        PhaseCase{Kind::confirmed, "İşlem tamamlandı", "İşlem zincire yazıldı ve doğrulandı.", true},
-        PhaseCase{Kind::reverted, "İşlem geri alındı", "İşlem zincirde geri alındı; hiçbir durum değişmedi.", true},
+                  "İşlemin sıra numarası kullanılmış ama sonuç henüz doğrulanamadı. Tekrar onaylama; durumu kontrol et."},
+        PhaseCase{Kind::confirmed, "İşlem tamamlandı", "İşlem zincire yazıldı ve doğrulandı."},
+        PhaseCase{Kind::reverted, "İşlem geri alındı", "İşlem zincirde geri alındı; hiçbir durum değişmedi."},
         PhaseCase{Kind::replaced, "İşlem değiştirildi",
-                  "Aynı sıra numarası başka bir işlemde kullanıldı. Bu işlemi yeniden imzalama; güncel durumu kontrol et.",
-                  true},
+                  "Aynı sıra numarası başka bir işlemde kullanıldı. Bu işlemi yeniden imzalama; güncel durumu kontrol et."},
         PhaseCase{Kind::expired, "İşlem süresi doldu",
-                  "İşlem süresi doldu. Güncel durumu kontrol edip sonra yeniden deneyebilirsin.", true},
-        PhaseCase{Kind::cancelled, "İşlem durduruldu", "İşlem durduruldu. Güncel durumunu kontrol et.", true},
-        PhaseCase{Kind::failed, "İşlem tamamlanamadı", "Şu anda tamamlanamadı. Yenileyip tekrar dene.", true}));
+                  "İşlem süresi doldu. Güncel durumu kontrol edip sonra yeniden deneyebilirsin."},
+        PhaseCase{Kind::cancelled, "İşlem durduruldu", "İşlem durduruldu. Güncel durumunu kontrol et."},
+        PhaseCase{Kind::failed, "İşlem tamamlanamadı", "Şu anda tamamlanamadı. Yenileyip tekrar dene."}));
 
 TEST(WalletCeremonyPhaseTest, AFailureCarriesItsOwnMessage) {
   const auto phase = WalletCeremonyPhase::failed(std::string(walletCeremonyText::preparationFailed));

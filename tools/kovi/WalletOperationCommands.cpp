@@ -135,7 +135,7 @@ CLI::Validator printable(std::size_t limit) {
         return plain && text.size() <= limit ? std::string()
                                              : "expected up to " + std::to_string(limit) + " printable ASCII characters";
       },
-      "TEXT");
+      "");
 }
 
 }  // namespace
