@@ -30,10 +30,12 @@ std::optional<Window> nightOf(std::string_view day, int startMinute, int endMinu
   return Window{Window::Kind::sleep, *startDate, *endDate};
 }
 
-const MacHoldsSnapshot::ExamWeek* examWeekOf(const MacHoldsSnapshot& snapshot, const MacHoldsDayClock& clock) {
-  const auto& week = snapshot.examWeek;
-  if (!week || !clock.isDay(week->startDay) || !clock.isDay(week->endDay)) return nullptr;
-  return &*week;
+bool onOrBeforeExamEnd(const MacHoldsSnapshot::ExamWeek& week, std::string_view day, const MacHoldsDayClock& clock) {
+  return clock.isDay(week.endDay) && day <= week.endDay;
+}
+
+bool insideExamWeek(const MacHoldsSnapshot::ExamWeek& week, std::string_view day, const MacHoldsDayClock& clock) {
+  return clock.isDay(week.startDay) && week.startDay <= day && onOrBeforeExamEnd(week, day, clock);
 }
 
 std::int64_t socialBudgetMS(const MacHoldsSnapshot& snapshot) {
@@ -50,10 +52,6 @@ std::vector<std::string> nightDays(std::string_view today, const MacHoldsDayCloc
 namespace {
 
 bool contains(const Window& window, Date now) { return window.start <= now && now < window.end; }
-
-bool insideExamWeek(const MacHoldsSnapshot::ExamWeek& week, std::string_view day) {
-  return week.startDay <= day && day <= week.endDay;
-}
 
 // The night that contains the moment, trying tonight before last night; the
 // first match ends the search, with the day it began on.
@@ -92,9 +90,9 @@ AllowanceToday allowanceOn(const MacHoldsSnapshot& snapshot, const Moment& momen
 
 std::vector<Window> windowsAt(const MacHoldsSnapshot& snapshot, const Moment& moment) {
   std::vector<Window> found;
-  if (const auto* week = examWeekOf(snapshot, moment.clock)) {
+  if (const auto& week = snapshot.examWeek) {
     // Study blocks belong to the day they start on and never carry over midnight.
-    if (insideExamWeek(*week, moment.today)) {
+    if (insideExamWeek(*week, moment.today, moment.clock)) {
       for (const int startMinute : {week->firstMinute, week->secondMinute}) {
         const auto block = studyBlock(*week, moment.today, startMinute, moment.clock);
         if (block && contains(*block, moment.now)) found.push_back(*block);
@@ -105,7 +103,7 @@ std::vector<Window> windowsAt(const MacHoldsSnapshot& snapshot, const Moment& mo
     // not tried in its place.
     if (week->sleepStart && week->sleepEnd) {
       const auto night = nightContaining(*week->sleepStart, *week->sleepEnd, moment);
-      if (night && insideExamWeek(*week, night->first)) found.push_back(night->second);
+      if (night && insideExamWeek(*week, night->first, moment.clock)) found.push_back(night->second);
     }
   }
   if (const auto& sleep = snapshot.sleep) {
@@ -127,8 +125,8 @@ MacHoldsDue dueAt(const MacHoldsSnapshot& snapshot, const std::vector<Window>& w
                                                  : MacHoldsDue::sleep(earliest->end);
   }
 
-  const auto* week = examWeekOf(snapshot, moment.clock);
-  if (week == nullptr || !insideExamWeek(*week, moment.today)) return MacHoldsDue::none();
+  const auto& week = snapshot.examWeek;
+  if (!week || !insideExamWeek(*week, moment.today, moment.clock)) return MacHoldsDue::none();
 
   // Outside windows, an exam-week day is under the Social hold until midnight,
   // except while the main app has a Social span open with budget left.
@@ -149,9 +147,9 @@ bool isActiveAt(const MacHoldsSnapshot* snapshot, const Moment& moment) {
   if (snapshot == nullptr || snapshot->stopped) return false;
   // An everyday sleep hold never ends by itself.
   if (snapshot->sleep) return true;
-  const auto* week = examWeekOf(*snapshot, moment.clock);
-  if (week == nullptr) return false;
-  if (moment.today <= week->endDay) return true;
+  const auto& week = snapshot->examWeek;
+  if (!week) return false;
+  if (onOrBeforeExamEnd(*week, moment.today, moment.clock)) return true;
   // After the exam week, a night that began on its last day is seen through.
   return dueAt(*snapshot, windowsAt(*snapshot, moment), moment).kind != MacHoldsDue::Kind::none;
 }

@@ -27,10 +27,14 @@ std::vector<Window> windowsAt(const MacHoldsSnapshot& snapshot, const Moment& mo
 MacHoldsDue dueAt(const MacHoldsSnapshot& snapshot, const std::vector<Window>& windows, const Moment& moment);
 bool isActiveAt(const MacHoldsSnapshot* snapshot, const Moment& moment);
 
-// The snapshot's exam week when both of its days name real days of the
-// calendar. Day strings compare as text, so a malformed one ("2026-11-3x")
-// could otherwise match; an exam week whose days do not parse never matches.
-const MacHoldsSnapshot::ExamWeek* examWeekOf(const MacHoldsSnapshot& snapshot, const MacHoldsDayClock& clock);
+// Where `day` stands against the exam week. Each of the week's day strings
+// counts on its own: one that names no real day of the calendar fails every
+// comparison it takes part in (day strings compare as text, so a malformed
+// one such as "2026-11-3x" could otherwise match), while the other still
+// counts. An unparsable `startDay` thus keeps the week's range from matching
+// but leaves "today <= endDay" true until the end day has passed.
+bool onOrBeforeExamEnd(const MacHoldsSnapshot::ExamWeek& week, std::string_view day, const MacHoldsDayClock& clock);
+bool insideExamWeek(const MacHoldsSnapshot::ExamWeek& week, std::string_view day, const MacHoldsDayClock& clock);
 
 // The study block starting `startMinute` into `day`.
 std::optional<Window> studyBlock(const MacHoldsSnapshot::ExamWeek& week, std::string_view day, int startMinute,

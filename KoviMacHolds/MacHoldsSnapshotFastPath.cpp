@@ -75,17 +75,18 @@ struct Field {
   std::function<bool(element)> read;
 };
 
-// Reads the known keys of an object and ignores the rest. A null optional
-// counts as absent; a missing required key, a repeated known key (the strict
-// decoder keeps the last, this reader would see the first) or a value of the
-// wrong kind fails.
+// Reads an object of known keys. A null optional counts as absent; a missing
+// required key, a repeated key or a value of the wrong kind fails. So does an
+// unknown key: the strict decoder ignores it, but only after checking how
+// deep its value nests and that no key repeats inside it, which this reader
+// does not do.
 bool readObject(element value, std::initializer_list<Field> fields) {
   if (value.type() != element_type::OBJECT) return false;
   std::bitset<16> seen;
   const simdjson::dom::object object = value.get_object().value_unsafe();
   for (const auto field : object) {
     const auto known = std::ranges::find(fields, field.key, &Field::key);
-    if (known == fields.end()) continue;
+    if (known == fields.end()) return false;
     const auto index = static_cast<std::size_t>(known - fields.begin());
     if (seen[index]) return false;
     seen[index] = true;

@@ -28,7 +28,7 @@ std::vector<UnixMillis> changeCandidates(const MacHoldsSnapshot& snapshot, std::
     if (window) boundaries.push_back(*window);
   };
   const std::vector<std::string> nights = nightDays(day, clock);
-  if (const auto* week = examWeekOf(snapshot, clock)) {
+  if (const auto& week = snapshot.examWeek) {
     keep(studyBlock(*week, day, week->firstMinute, clock));
     keep(studyBlock(*week, day, week->secondMinute, clock));
     if (week->sleepStart && week->sleepEnd) {

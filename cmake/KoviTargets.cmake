@@ -24,6 +24,10 @@ function(kovi_test name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} kovi_test_support GTest::gmock GTest::gtest_main)
   # GoogleTest, GoogleMock and nlohmann/json are parsed once for every suite.
+  # A precompiled header is only valid under the options it was built with,
+  # and the desktop libraries' flags bring -pthread, so every suite and the
+  # header are compiled with it.
+  target_compile_options(${name} PRIVATE -pthread)
   target_precompile_headers(${name} REUSE_FROM kovi_test_pch)
   gtest_discover_tests(${name}
     PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${ARG_TIMEOUT}

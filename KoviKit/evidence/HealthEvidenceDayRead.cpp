@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "KoviKit/foundation/JsonFields.h"
-
 namespace kovi {
 namespace {
 
@@ -39,22 +37,25 @@ Decoded<HealthEvidenceBucket> JsonDecoder<HealthEvidenceBucket>::decode(const Js
     if (!instant) return std::unexpected(instant.error());
     *target = *instant;
   }
-  std::optional<bool> provisional;
-  if (auto read = readFields(json, field("amount", bucket.amount), field("provisional", provisional)); !read) {
-    return std::unexpected(read.error());
-  }
-  bucket.provisional = provisional.value_or(false);
+  auto amount = json.get<double>("amount");
+  if (!amount) return std::unexpected(amount.error());
+  auto provisional = json.getOptional<bool>("provisional");
+  if (!provisional) return std::unexpected(provisional.error());
+  bucket.amount = *amount;
+  bucket.provisional = provisional->value_or(false);
   return bucket;
 }
 
 Decoded<HealthEvidenceDayRead> JsonDecoder<HealthEvidenceDayRead>::decode(const JsonView& json) {
   if (auto keys = json.requireOnlyKeys({"day", "outcome", "buckets"}); !keys) return std::unexpected(keys.error());
-  HealthEvidenceDayRead read;
-  std::optional<std::vector<HealthEvidenceBucket>> buckets;
-  auto fields = readFields(json, field("day", read.day), field("outcome", read.outcome), field("buckets", buckets));
-  if (!fields) return std::unexpected(fields.error());
-  read.buckets = std::move(buckets).value_or(std::vector<HealthEvidenceBucket>{});
-  return read;
+  auto day = json.get<int>("day");
+  if (!day) return std::unexpected(day.error());
+  auto outcome = json.get<HealthEvidenceReadOutcome>("outcome");
+  if (!outcome) return std::unexpected(outcome.error());
+  // A read without buckets (any outcome but `measured`) may leave them out.
+  auto buckets = json.getOptional<std::vector<HealthEvidenceBucket>>("buckets");
+  if (!buckets) return std::unexpected(buckets.error());
+  return HealthEvidenceDayRead{*day, *outcome, std::move(*buckets).value_or(std::vector<HealthEvidenceBucket>{})};
 }
 
 }  // namespace kovi

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cctype>
 
-#include "KoviKit/foundation/JsonFields.h"
-
 namespace kovi {
 
 bool sameHexDigest(std::string_view a, std::string_view b) {
@@ -22,37 +20,6 @@ std::expected<void, WalkingEvidenceError> V6WalkingContext::verifyRulesHash() co
   return std::unexpected(WalkingEvidenceError{std::string(walkingErrorCode::rulesHashMismatch),
                                               "the context names rules hash " + rulesHash +
                                                   " but its rules hash to " + expected});
-}
-
-Decoded<HealthEvidenceDayWindow> JsonDecoder<HealthEvidenceDayWindow>::decode(const JsonView& json) {
-  HealthEvidenceDayWindow window;
-  if (auto read = readFields(json, field("day", window.day), field("start", window.start), field("end", window.end));
-      !read) {
-    return std::unexpected(read.error());
-  }
-  return window;
-}
-
-Decoded<V6WalkingContext::Revision> JsonDecoder<V6WalkingContext::Revision>::decode(const JsonView& json) {
-  V6WalkingContext::Revision revision;
-  auto read = readFields(json, field("day", revision.day), field("revision", revision.revision),
-                         field("payloadHash", revision.payloadHash), field("acceptedAt", revision.acceptedAt));
-  if (!read) return std::unexpected(read.error());
-  if (json.contains("summary")) revision.summary = json.json().at("summary");
-  return revision;
-}
-
-Decoded<V6WalkingContext> JsonDecoder<V6WalkingContext>::decode(const JsonView& json) {
-  V6WalkingContext context;
-  auto read = readFields(
-      json, field("reference", context.reference), field("financialActorId", context.financialActorId),
-      field("rulesHash", context.rulesHash), field("rules", context.rules), field("status", context.status),
-      field("sourcePolicy", context.sourcePolicy), field("windows", context.windows),
-      field("writerEpoch", context.writerEpoch), field("writerDeviceKeyId", context.writerDeviceKeyId),
-      field("evidenceClosesAt", context.evidenceClosesAt), field("serverNow", context.serverNow),
-      field("acceptedTotalSteps", context.acceptedTotalSteps), field("revisions", context.revisions));
-  if (!read) return std::unexpected(read.error());
-  return context;
 }
 
 }  // namespace kovi

@@ -57,18 +57,36 @@ bool sameHexDigest(std::string_view a, std::string_view b);
 
 // Wire records: unknown keys are ignored; the embedded rules stay strict.
 template <>
-struct JsonDecoder<HealthEvidenceDayWindow> {
-  static Decoded<HealthEvidenceDayWindow> decode(const JsonView& json);
+struct JsonRecordFields<HealthEvidenceDayWindow> : LenientJsonRecord {
+  using W = HealthEvidenceDayWindow;
+  static constexpr auto fields = std::tuple{field("day", &W::day), field("start", &W::start), field("end", &W::end)};
 };
 
 template <>
-struct JsonDecoder<V6WalkingContext::Revision> {
-  static Decoded<V6WalkingContext::Revision> decode(const JsonView& json);
+struct JsonRecordFields<V6WalkingContext::Revision> : LenientJsonRecord {
+  using R = V6WalkingContext::Revision;
+  static constexpr auto fields =
+      std::tuple{field("day", &R::day), field("revision", &R::revision), field("payloadHash", &R::payloadHash),
+                 field("acceptedAt", &R::acceptedAt), field("summary", &R::summary)};
 };
 
 template <>
-struct JsonDecoder<V6WalkingContext> {
-  static Decoded<V6WalkingContext> decode(const JsonView& json);
+struct JsonRecordFields<V6WalkingContext> : LenientJsonRecord {
+  using C = V6WalkingContext;
+  static constexpr auto fields = std::tuple{
+      field("reference", &C::reference),
+      field("financialActorId", &C::financialActorId),
+      field("rulesHash", &C::rulesHash),
+      field("rules", &C::rules),
+      field("status", &C::status),
+      field("sourcePolicy", &C::sourcePolicy),
+      field("windows", &C::windows),
+      field("writerEpoch", &C::writerEpoch),
+      field("writerDeviceKeyId", &C::writerDeviceKeyId),
+      field("evidenceClosesAt", &C::evidenceClosesAt),
+      field("serverNow", &C::serverNow),
+      field("acceptedTotalSteps", &C::acceptedTotalSteps),
+      field("revisions", &C::revisions)};
 };
 
 }  // namespace kovi

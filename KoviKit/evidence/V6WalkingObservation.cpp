@@ -1,9 +1,9 @@
 #include "KoviKit/evidence/V6WalkingObservation.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstdint>
 
-#include "KoviKit/foundation/JsonFields.h"
 #include "KoviKit/foundation/Sha256.h"
 
 namespace kovi {
@@ -12,9 +12,9 @@ namespace {
 // A bucket's canonical text is about 60 bytes; reserving avoids regrowth.
 constexpr std::size_t kBucketTextBytes = 64;
 
-std::string wholeSteps(double amount) {
+std::string decimalText(std::int64_t steps) {
   char digits[24];
-  const auto end = std::to_chars(digits, digits + sizeof digits, static_cast<std::int64_t>(amount)).ptr;
+  const auto end = std::to_chars(digits, digits + sizeof digits, steps).ptr;
   return std::string(digits, end);
 }
 
@@ -71,9 +71,20 @@ std::expected<V6WalkingObservation, WalkingEvidenceError> V6WalkingObservation::
   observation.windowEnd = day.window.end;
   observation.measurementCutoff = WalkingEvidenceBucketModel::lastGridLineAtOrBefore(day.window, cutoff);
   observation.buckets.reserve(day.buckets.size());
+  // Whole steps without losing any: each bucket carries what it adds to the
+  // whole part of the running total, so the day's signed steps are the whole
+  // part of its closed total however the fractions of the buckets fall.
+  // Amounts are below 2^53 and a day has at most a hundred buckets, so the
+  // running total stays far inside the int64 range.
+  double runningTotal = 0;
+  std::int64_t stepsSoFar = 0;
   for (const HealthEvidenceBucket& bucket : day.buckets) {
     if (bucket.provisional) continue;
-    observation.buckets.push_back({bucket.start.unixMillis(), bucket.end.unixMillis(), wholeSteps(bucket.amount)});
+    runningTotal += bucket.amount;
+    const auto wholeTotal = static_cast<std::int64_t>(std::floor(runningTotal));
+    observation.buckets.push_back(
+        {bucket.start.unixMillis(), bucket.end.unixMillis(), decimalText(wholeTotal - stepsSoFar)});
+    stepsSoFar = wholeTotal;
   }
   return observation;
 }
@@ -89,33 +100,9 @@ std::string V6WalkingObservation::payloadText() const {
 
 std::string V6WalkingObservation::payloadHash() const { return sha256Hex(payloadText()); }
 
-Decoded<V6WalkingBucket> JsonDecoder<V6WalkingBucket>::decode(const JsonView& json) {
-  V6WalkingBucket bucket;
-  auto read = readFields(json, field("start", bucket.start), field("end", bucket.end), field("steps", bucket.steps));
-  if (!read) return std::unexpected(read.error());
-  if (!isWireStepCount(bucket.steps)) {
-    return std::unexpected(json.member("steps")->error("expected a non-negative decimal integer"));
-  }
-  return bucket;
-}
-
-Decoded<V6WalkingObservation> JsonDecoder<V6WalkingObservation>::decode(const JsonView& json) {
-  V6WalkingObservation observation;
-  auto read = readFields(json, field("sourcePolicy", observation.sourcePolicy),
-                         field("windowStart", observation.windowStart), field("windowEnd", observation.windowEnd),
-                         field("measurementCutoff", observation.measurementCutoff),
-                         field("buckets", observation.buckets));
-  if (!read) return std::unexpected(read.error());
-  return observation;
-}
-
-Decoded<V6WalkingObservation::Content> JsonDecoder<V6WalkingObservation::Content>::decode(const JsonView& json) {
-  V6WalkingObservation::Content content;
-  auto read = readFields(json, field("observation", content.observation), field("note", content.note),
-                         field("source", content.source), field("auto", content.isAuto));
-  if (!read) return std::unexpected(read.error());
-  if (json.contains("summary")) content.summary = json.json().at("summary");
-  return content;
+Decoded<void> JsonRecordFields<V6WalkingBucket>::validate(const V6WalkingBucket& bucket, const JsonView& json) {
+  if (isWireStepCount(bucket.steps)) return {};
+  return std::unexpected(json.child("steps", json.json()).error("expected a non-negative decimal integer"));
 }
 
 }  // namespace kovi

@@ -8,6 +8,7 @@
 
 #include "KoviKit/evidence/WalkingEvidenceBuckets.h"
 #include "KoviKit/foundation/CanonicalJsonWriter.h"
+#include "KoviKit/foundation/JsonRecordCoding.h"
 
 namespace kovi {
 
@@ -77,18 +78,28 @@ bool isWireStepCount(std::string_view steps);
 // Wire records from the service: unknown keys are ignored (a newer service
 // may send more), steps must be wire step counts.
 template <>
-struct JsonDecoder<V6WalkingBucket> {
-  static Decoded<V6WalkingBucket> decode(const JsonView& json);
+struct JsonRecordFields<V6WalkingBucket> : LenientJsonRecord {
+  static constexpr auto fields = std::tuple{field("start", &V6WalkingBucket::start),
+                                            field("end", &V6WalkingBucket::end),
+                                            field("steps", &V6WalkingBucket::steps)};
+  static Decoded<void> validate(const V6WalkingBucket& bucket, const JsonView& json);
 };
 
 template <>
-struct JsonDecoder<V6WalkingObservation> {
-  static Decoded<V6WalkingObservation> decode(const JsonView& json);
+struct JsonRecordFields<V6WalkingObservation> : LenientJsonRecord {
+  using O = V6WalkingObservation;
+  static constexpr auto fields =
+      std::tuple{field("sourcePolicy", &O::sourcePolicy), field("windowStart", &O::windowStart),
+                 field("windowEnd", &O::windowEnd), field("measurementCutoff", &O::measurementCutoff),
+                 field("buckets", &O::buckets)};
 };
 
 template <>
-struct JsonDecoder<V6WalkingObservation::Content> {
-  static Decoded<V6WalkingObservation::Content> decode(const JsonView& json);
+struct JsonRecordFields<V6WalkingObservation::Content> : LenientJsonRecord {
+  using C = V6WalkingObservation::Content;
+  static constexpr auto fields =
+      std::tuple{field("summary", &C::summary), field("observation", &C::observation), field("note", &C::note),
+                 field("source", &C::source), field("auto", &C::isAuto)};
 };
 
 }  // namespace kovi

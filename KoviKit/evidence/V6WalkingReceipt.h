@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "KoviKit/foundation/Json.h"
+#include "KoviKit/foundation/JsonRecordCoding.h"
 
 namespace kovi {
 
@@ -26,14 +26,19 @@ struct V6WalkingReceipt {
 };
 
 // A wire record: unknown keys are ignored.
+// Service answers: unknown keys are ignored.
 template <>
-struct JsonDecoder<V6WalkingReceipt::Accepted> {
-  static Decoded<V6WalkingReceipt::Accepted> decode(const JsonView& json);
+struct JsonRecordFields<V6WalkingReceipt::Accepted> : LenientJsonRecord {
+  using A = V6WalkingReceipt::Accepted;
+  static constexpr auto fields =
+      std::tuple{field("day", &A::day), field("revision", &A::revision), field("payloadHash", &A::payloadHash)};
 };
 
 template <>
-struct JsonDecoder<V6WalkingReceipt> {
-  static Decoded<V6WalkingReceipt> decode(const JsonView& json);
+struct JsonRecordFields<V6WalkingReceipt> : LenientJsonRecord {
+  using R = V6WalkingReceipt;
+  static constexpr auto fields = std::tuple{field("requestId", &R::requestId), field("writerEpoch", &R::writerEpoch),
+                                            field("deviceKeyId", &R::deviceKeyId), field("accepted", &R::accepted)};
 };
 
 }  // namespace kovi

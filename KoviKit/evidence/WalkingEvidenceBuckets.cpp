@@ -86,7 +86,7 @@ std::expected<WalkingEvidenceBuckets::SanitizedDay, WalkingEvidenceError> Walkin
     if (!isStepCount(bucket.amount) || *first < 0 || *last > cells) continue;
     const UnixMillis end = Model::gridLine(window.start, *last);
     day.buckets.push_back({Date::fromUnixMillis(static_cast<double>(Model::gridLine(window.start, *first))),
-                           Date::fromUnixMillis(static_cast<double>(end)), std::floor(bucket.amount),
+                           Date::fromUnixMillis(static_cast<double>(end)), bucket.amount,
                            bucket.provisional || end > cutoff});
   }
 

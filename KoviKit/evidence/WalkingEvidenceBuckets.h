@@ -56,8 +56,9 @@ struct WalkingEvidenceDayValue {
 //   to a neighbouring day and is left out.
 // - Counts that are negative, not finite or beyond 2^53 cannot be step counts;
 //   such a bucket is left out as if the store had reported nothing for it.
-// - Counts are rounded down to whole steps, the form the signed payload
-//   carries, so the totals shown are the totals sent.
+// - Counts are kept as read (a store may report fractions); the totals are
+//   their sums, and whole steps are formed only for the wire, from the
+//   running total (see `V6WalkingObservation::fromDay`).
 // - A cell reported twice keeps one bucket: a closed one over a provisional
 //   one, and then the larger count, since late-arriving samples only ever
 //   add steps. The choice does not depend on the order of the read.

@@ -77,6 +77,8 @@ WalkingEvidenceEvaluation WalkingEvidenceEvaluation::evaluate(const WalkingKoviR
   const bool racesToTarget = rules.isRace(WalkingKoviRules::RaceMode::firstToTarget) && rules.stepTarget;
   for (const HealthEvidenceDayWindow& window : windows) {
     if (window.start >= now) {
+      // Not begun, so without a usable value: missing, and also upcoming.
+      evaluation.missingDays.push_back(window.day);
       evaluation.upcomingDays.push_back(window.day);
       ++undecidedDays;
       continue;

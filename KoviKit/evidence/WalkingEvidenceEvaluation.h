@@ -34,12 +34,14 @@ struct WalkingEvidenceEvaluation {
   std::map<int, WalkingEvidenceDayValue> days;
   std::optional<UnixMillis> reachedAt;
   std::optional<int> reachedDay;
-  // Begun days without a usable value: no read, or an outcome other than
-  // `measured`. They are not zero steps; they stay missing until the
-  // verification window closes, and count as failed days only after that.
+  // Every day of the windows without a usable value: not begun, no read, or
+  // an outcome other than `measured`. They are not zero steps; a begun day
+  // stays missing until the verification window closes, and counts as a
+  // failed day only after that.
   std::vector<int> missingDays;
   std::vector<int> provisionalDays;
-  // Days whose window had not begun at the evaluation's instant.
+  // Of the missing days, those whose window had not begun at the
+  // evaluation's instant.
   std::vector<int> upcomingDays;
   // The sum of the measured days' closed totals.
   double closedTotal = 0;

@@ -1,7 +1,9 @@
 #include "KoviKit/evidence/WalkingKoviRules.h"
 
+#include <algorithm>
+
 #include "KoviKit/foundation/CanonicalJsonWriter.h"
-#include "KoviKit/foundation/JsonFields.h"
+#include "KoviKit/foundation/CheckedArithmetic.h"
 #include "KoviKit/foundation/Sha256.h"
 
 namespace kovi {
@@ -66,34 +68,65 @@ std::string WalkingKoviRules::canonicalJson() const {
 
 std::string WalkingKoviRules::rulesHash() const { return sha256Hex(canonicalJson()); }
 
-Decoded<WalkingDayWindow> JsonDecoder<WalkingDayWindow>::decode(const JsonView& json) {
-  if (auto keys = json.requireOnlyKeys({"start", "end"}); !keys) return std::unexpected(keys.error());
-  WalkingDayWindow window;
-  if (auto read = readFields(json, field("start", window.start), field("end", window.end)); !read) {
-    return std::unexpected(read.error());
-  }
-  return window;
+namespace {
+
+constexpr std::size_t kMostRanks = 100;
+constexpr int kWholePoolBps = 10000;
+
+Decoded<void> refuse(const JsonView& json, std::string_view key, std::string reason) {
+  return std::unexpected(DecodeError{json.child(key, json.json()).path(), std::move(reason)});
 }
 
-Decoded<WalkingKoviRules> JsonDecoder<WalkingKoviRules>::decode(const JsonView& json) {
-  auto keys = json.requireOnlyKeys({"mode", "goalMode", "raceMode", "durationDays", "stepTarget",
-                                    "requiredSuccessfulDays", "minimumEligibility", "failurePolicy",
-                                    "exitPenaltyBps", "payoutRule", "rankPayoutsBps", "verificationWindowHours",
-                                    "dayBoundary", "timezone", "dayWindows", "firstDay"});
-  if (!keys) return std::unexpected(keys.error());
-  WalkingKoviRules rules;
-  auto read = readFields(json, field("mode", rules.mode), field("goalMode", rules.goalMode),
-                         field("raceMode", rules.raceMode), field("durationDays", rules.durationDays),
-                         field("stepTarget", rules.stepTarget),
-                         field("requiredSuccessfulDays", rules.requiredSuccessfulDays),
-                         field("minimumEligibility", rules.minimumEligibility),
-                         field("failurePolicy", rules.failurePolicy), field("exitPenaltyBps", rules.exitPenaltyBps),
-                         field("payoutRule", rules.payoutRule), field("rankPayoutsBps", rules.rankPayoutsBps),
-                         field("verificationWindowHours", rules.verificationWindowHours),
-                         field("dayBoundary", rules.dayBoundary), field("timezone", rules.timezone),
-                         field("dayWindows", rules.dayWindows), field("firstDay", rules.firstDay));
-  if (!read) return std::unexpected(read.error());
-  return rules;
+// The sub-mode key that belongs to `mode` must be set and the other absent.
+Decoded<void> checkModes(const WalkingKoviRules& rules, const JsonView& json) {
+  const bool goal = rules.mode == WalkingKoviRules::Mode::goal;
+  if (goal && !rules.goalMode) return refuse(json, "goalMode", "required in goal mode");
+  if (goal && rules.raceMode) return refuse(json, "raceMode", "only for race mode");
+  if (!goal && !rules.raceMode) return refuse(json, "raceMode", "required in race mode");
+  if (!goal && rules.goalMode) return refuse(json, "goalMode", "only for goal mode");
+  return {};
+}
+
+Decoded<void> checkCounts(const WalkingKoviRules& rules, const JsonView& json) {
+  if (rules.durationDays < 1 || rules.durationDays > kWalkingLongestKoviDays) {
+    return refuse(json, "durationDays", "must be 1 to " + std::to_string(kWalkingLongestKoviDays));
+  }
+  if (rules.requiredSuccessfulDays &&
+      (*rules.requiredSuccessfulDays < 1 || *rules.requiredSuccessfulDays > rules.durationDays)) {
+    return refuse(json, "requiredSuccessfulDays", "must be 1 to durationDays (" + std::to_string(rules.durationDays) + ")");
+  }
+  for (const auto& [key, value] : {std::pair{"stepTarget", rules.stepTarget},
+                                   std::pair{"minimumEligibility", rules.minimumEligibility}}) {
+    if (value && *value < 0) return refuse(json, key, "must not be negative");
+  }
+  if (rules.exitPenaltyBps < 0 || rules.exitPenaltyBps > kWholePoolBps) {
+    return refuse(json, "exitPenaltyBps", "must be 0 to 10000");
+  }
+  if (rules.verificationWindowHours < 0) return refuse(json, "verificationWindowHours", "must not be negative");
+  return {};
+}
+
+Decoded<void> checkPayout(const WalkingKoviRules& rules, const JsonView& json) {
+  const auto& shares = rules.rankPayoutsBps;
+  if (std::ranges::any_of(shares, [](int share) { return share < 1 || share > kWholePoolBps; })) {
+    return refuse(json, "rankPayoutsBps", "each share must be 1 to 10000");
+  }
+  if (rules.payoutRule != WalkingKoviRules::PayoutRule::ranked) return {};
+  std::int64_t total = 0;
+  for (const int share : shares) total = checkedAdd(total, std::int64_t{share});
+  if (shares.empty() || shares.size() > kMostRanks || total != kWholePoolBps) {
+    return refuse(json, "rankPayoutsBps", "a ranked payout needs 1 to 100 shares totalling 10000");
+  }
+  return {};
+}
+
+}  // namespace
+
+Decoded<void> JsonRecordFields<WalkingKoviRules>::validate(const WalkingKoviRules& rules, const JsonView& json) {
+  for (const auto check : {checkModes, checkCounts, checkPayout}) {
+    if (auto valid = check(rules, json); !valid) return valid;
+  }
+  return {};
 }
 
 }  // namespace kovi

@@ -4,10 +4,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "KoviKit/foundation/Json.h"
+#include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/foundation/Time.h"
 
 namespace kovi {
@@ -125,15 +127,44 @@ struct EnumNames<WalkingKoviRules::FirstDay> {
   };
 };
 
-// Strict: exactly the known keys, every enumeration value known.
 template <>
-struct JsonDecoder<WalkingDayWindow> {
-  static Decoded<WalkingDayWindow> decode(const JsonView& json);
+struct JsonRecordFields<WalkingDayWindow> : StrictJsonRecord {
+  static constexpr auto fields =
+      std::tuple{field("start", &WalkingDayWindow::start), field("end", &WalkingDayWindow::end)};
 };
 
+// Strict: exactly the known keys, every enumeration value known, and values
+// that can be met (see `validate`).
 template <>
-struct JsonDecoder<WalkingKoviRules> {
-  static Decoded<WalkingKoviRules> decode(const JsonView& json);
+struct JsonRecordFields<WalkingKoviRules> : StrictJsonRecord {
+  using R = WalkingKoviRules;
+  static constexpr auto fields = std::tuple{
+      field("mode", &R::mode),
+      field("goalMode", &R::goalMode),
+      field("raceMode", &R::raceMode),
+      field("durationDays", &R::durationDays),
+      field("stepTarget", &R::stepTarget),
+      field("requiredSuccessfulDays", &R::requiredSuccessfulDays),
+      field("minimumEligibility", &R::minimumEligibility),
+      field("failurePolicy", &R::failurePolicy),
+      field("exitPenaltyBps", &R::exitPenaltyBps),
+      field("payoutRule", &R::payoutRule),
+      field("rankPayoutsBps", &R::rankPayoutsBps),
+      field("verificationWindowHours", &R::verificationWindowHours),
+      field("dayBoundary", &R::dayBoundary),
+      field("timezone", &R::timezone),
+      field("dayWindows", &R::dayWindows),
+      field("firstDay", &R::firstDay)};
+
+  // The rules a kovi can be judged by, each refusal at the field it names:
+  // the mode's own sub-mode and not the other's; counts that are not
+  // negative; 1 to `kWalkingLongestKoviDays` days; required successful days
+  // within the kovi; a ranked payout of 1 to 100 shares, each 1 to 10000 bps,
+  // totalling 10000.
+  static Decoded<void> validate(const WalkingKoviRules& rules, const JsonView& json);
 };
+
+// The longest walking kovi, in days: a year, leap day included.
+inline constexpr int kWalkingLongestKoviDays = 366;
 
 }  // namespace kovi

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <unordered_set>
+#include <vector>
 
 namespace kovi {
 
@@ -11,11 +14,103 @@ std::string DecodeError::message() const {
   return path + ": " + reason;
 }
 
-Decoded<nlohmann::json> parseJson(std::string_view text) {
-  // Parse without exceptions so a malformed document costs no throw.
-  nlohmann::json document = nlohmann::json::parse(text, nullptr, /*allow_exceptions=*/false);
-  if (document.is_discarded()) return std::unexpected(DecodeError{"", "not valid JSON"});
-  return document;
+namespace {
+
+// A document refused by the parse callback: thrown out of the parser and
+// caught in `parseStrictly`, never further.
+struct ParseRefusal {
+  DecodeError error;
+};
+
+// Follows the parser through the document to refuse repeated keys and deep
+// nesting, keeping the key path of the value being parsed for the error.
+class StrictParseGuard {
+ public:
+  template <class BasicJson>
+  bool operator()(int depth, nlohmann::detail::parse_event_t event, BasicJson& parsed) {
+    using Event = nlohmann::detail::parse_event_t;
+    switch (event) {
+      case Event::object_start:
+      case Event::array_start:
+        if (depth >= kJsonMaximumDepth) {
+          throw ParseRefusal{{"", "nested deeper than " + std::to_string(kJsonMaximumDepth) + " levels"}};
+        }
+        frames_.push_back(Frame{event == Event::object_start, {}, {}, 0});
+        break;
+      case Event::key: {
+        Frame& object = frames_.back();
+        object.key = parsed.template get<std::string>();
+        if (!object.keys.insert(object.key).second) throw ParseRefusal{{path(), "duplicate key"}};
+        break;
+      }
+      case Event::object_end:
+      case Event::array_end:
+        frames_.pop_back();
+        finishValue();
+        break;
+      case Event::value: finishValue(); break;
+    }
+    return true;
+  }
+
+ private:
+  struct Frame {
+    bool isObject = false;
+    std::unordered_set<std::string> keys;
+    std::string key;          // the member being parsed, in an object
+    std::size_t index = 0;    // the element being parsed, in an array
+  };
+
+  void finishValue() {
+    if (!frames_.empty() && !frames_.back().isObject) ++frames_.back().index;
+  }
+
+  std::string path() const {
+    std::string text;
+    for (const Frame& frame : frames_) {
+      if (frame.isObject) {
+        if (!text.empty()) text += '.';
+        text += frame.key;
+      } else {
+        text += "[" + std::to_string(frame.index) + "]";
+      }
+    }
+    return text;
+  }
+
+  std::vector<Frame> frames_;
+};
+
+// The parser's account of the error ("at line 1, column 18: syntax error
+// while parsing object key - unexpected end of input; …") without its
+// error-number prefix.
+std::string syntaxProblem(const nlohmann::json::parse_error& error) {
+  std::string_view what = error.what();
+  constexpr std::string_view kPrefix = "parse error ";
+  if (const auto found = what.find(kPrefix); found != std::string_view::npos) what.remove_prefix(found + kPrefix.size());
+  return std::string(what);
+}
+
+template <class BasicJson>
+Decoded<BasicJson> parseStrictly(std::string_view text) {
+  try {
+    StrictParseGuard guard;
+    return BasicJson::parse(text, std::ref(guard), /*allow_exceptions=*/true);
+  } catch (const ParseRefusal& refusal) {
+    return std::unexpected(refusal.error);
+  } catch (const nlohmann::json::parse_error& error) {
+    return std::unexpected(DecodeError{"", "not valid JSON " + syntaxProblem(error)});
+  } catch (const nlohmann::json::exception& error) {
+    return std::unexpected(DecodeError{"", std::string("not valid JSON: ") + error.what()});
+  }
+}
+
+}  // namespace
+
+Decoded<nlohmann::json> parseJson(std::string_view text) { return parseStrictly<nlohmann::json>(text); }
+
+Decoded<nlohmann::ordered_json> parseOrderedJson(std::string_view text) {
+  return parseStrictly<nlohmann::ordered_json>(text);
 }
 
 std::string describeJsonType(const nlohmann::json& value) {
@@ -65,11 +160,15 @@ JsonView JsonView::child(std::string_view key, const nlohmann::json& value) cons
   path += path_;
   if (!path.empty()) path += '.';
   path += key;
-  return JsonView(value, std::move(path));
+  JsonView view(value, std::move(path));
+  view.integerLiteralsOnly_ = integerLiteralsOnly_;
+  return view;
 }
 
 JsonView JsonView::element(std::size_t index, const nlohmann::json& value) const {
-  return JsonView(value, path_ + "[" + std::to_string(index) + "]");
+  JsonView view(value, path_ + "[" + std::to_string(index) + "]");
+  view.integerLiteralsOnly_ = integerLiteralsOnly_;
+  return view;
 }
 
 Decoded<JsonView> JsonView::member(std::string_view key) const {
@@ -109,7 +208,8 @@ Decoded<std::int64_t> JsonDecoder<std::int64_t>::decode(const JsonView& json) {
     }
     return static_cast<std::int64_t>(raw);
   }
-  if (value.is_number_float()) {
+  // Strict documents spell every count one way: as an integer literal.
+  if (value.is_number_float() && !json.integerLiteralsOnly()) {
     const double raw = value.get<double>();
     // 2^63 is the first double past the int64 range.
     if (!std::isfinite(raw) || std::trunc(raw) != raw) return std::unexpected(wrongType(json, "an integer"));

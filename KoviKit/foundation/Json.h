@@ -29,8 +29,20 @@ struct DecodeError {
 template <class T>
 using Decoded = std::expected<T, DecodeError>;
 
-// Parses JSON text; a syntax error becomes a DecodeError at the document.
+// How many objects and arrays a parsed document may nest inside each other.
+// Deeper documents are refused while parsing, so no walk over a parsed
+// document (decoding, dumping, checking) can exhaust the stack however it is
+// written; real documents nest fewer than ten levels.
+inline constexpr int kJsonMaximumDepth = 128;
+
+// Parses JSON text strictly: a syntax error names its line and column, an
+// object that repeats a key is refused with the key path of the repeat (with
+// duplicates, what a document means and what it hashes to would depend on
+// which copy a reader keeps), and nesting deeper than `kJsonMaximumDepth` is
+// refused. Every document Kovi reads goes through here.
 Decoded<nlohmann::json> parseJson(std::string_view text);
+// The same, keeping each object's keys in document order.
+Decoded<nlohmann::ordered_json> parseOrderedJson(std::string_view text);
 
 // Enumerations name their raw values once, in declaration order:
 //
@@ -84,6 +96,15 @@ class JsonView {
 
   bool isNull() const { return value_->is_null(); }
 
+  // The same position, where integers (here and in everything below) must be
+  // integer literals: 1.0 and 1e3 are refused.
+  JsonView withIntegerLiteralsOnly() const {
+    JsonView view = *this;
+    view.integerLiteralsOnly_ = true;
+    return view;
+  }
+  bool integerLiteralsOnly() const { return integerLiteralsOnly_; }
+
   // Objects. `requireObject` checks the shape; `requireOnlyKeys` also rejects
   // any key outside `known` (strict records carry exactly their keys).
   Decoded<void> requireObject() const;
@@ -125,6 +146,7 @@ class JsonView {
  private:
   const nlohmann::json* value_;
   std::string path_;
+  bool integerLiteralsOnly_ = false;
 };
 
 // The JSON type name of a value, for error reasons ("a string", "null").
@@ -135,8 +157,11 @@ struct JsonDecoder<bool> {
   static Decoded<bool> decode(const JsonView& json);
 };
 
-// Integers accept JSON numbers with an integral value inside the type's range;
-// 1.0 reads as 1, 1.5 and 2^63 are refused.
+// Integers accept JSON numbers with an integral value inside the type's range
+// (1.0 and 1e3 read as 1 and 1000, as the apps' own decoders read them);
+// 1.5 and 2^63 are refused. Below a view marked `integerLiteralsOnly`, only
+// integer literals are integers, so a strict document spells every count one
+// way.
 template <>
 struct JsonDecoder<std::int64_t> {
   static Decoded<std::int64_t> decode(const JsonView& json);

@@ -16,6 +16,13 @@
 // floating seconds since 2001-01-01T00:00:00Z, its JSON form throughout.
 // A record that extends another lists the base record's fields first
 // (`std::tuple_cat` of the base's list and its own).
+//
+// A field of type `nlohmann::json` passes a value through as it is (a summary
+// the service shares but Kovi does not read); absent reads as null. A field
+// list may also give the checks that tie fields together, run once every
+// field has decoded:
+//
+//   static Decoded<void> validate(const WalkingKoviRules& rules, const JsonView& json);
 
 #include <cmath>
 #include <concepts>
@@ -89,7 +96,9 @@ inline constexpr bool isVector<std::vector<T>> = true;
 
 template <class T>
 Decoded<T> decodeValue(const JsonView& json) {
-  if constexpr (std::is_same_v<T, Date>) {
+  if constexpr (std::is_same_v<T, nlohmann::json>) {
+    return json.json();
+  } else if constexpr (std::is_same_v<T, Date>) {
     // Far enough for any real instant, near enough that the instant still
     // converts to Unix milliseconds.
     constexpr double kTimestampLimitSeconds = 9e15;
@@ -118,7 +127,11 @@ Decoded<void> rejectUnlistedKeys(const JsonView& json) {
 
 template <class Record, class Owner, class Value>
 Decoded<void> decodeField(const JsonView& object, const JsonRecordField<Owner, Value>& field, Record& record) {
-  if constexpr (isOptional<Value>) {
+  if constexpr (std::is_same_v<Value, nlohmann::json>) {
+    auto child = object.optionalMember(field.key);
+    if (!child) return std::unexpected(child.error());
+    record.*field.member = *child ? (*child)->json() : nlohmann::json();
+  } else if constexpr (isOptional<Value>) {
     auto child = object.optionalMember(field.key);
     if (!child) return std::unexpected(child.error());
     if (!*child) {
@@ -138,14 +151,24 @@ Decoded<void> decodeField(const JsonView& object, const JsonRecordField<Owner, V
   return {};
 }
 
+template <class Record>
+concept ValidatedJsonRecord = requires(const Record& record, const JsonView& json) {
+  { JsonRecordFields<Record>::validate(record, json) } -> std::same_as<Decoded<void>>;
+};
+
 }  // namespace json_record
 
 // Every field of `Record` in declared order. Under the strict policy a key the
-// record does not list fails first, before any field is read.
+// record does not list fails first, before any field is read, and integers
+// must be integer literals.
 template <JsonRecord Record>
-Decoded<Record> decodeRecord(const JsonView& json) {
-  if (auto object = json.requireObject(); !object) return std::unexpected(object.error());
-  if constexpr (JsonRecordFields<Record>::policy == JsonRecordPolicy::strict) {
+Decoded<Record> decodeRecord(const JsonView& view) {
+  if (auto object = view.requireObject(); !object) return std::unexpected(object.error());
+  constexpr bool strict = JsonRecordFields<Record>::policy == JsonRecordPolicy::strict;
+  // A strict record also takes its integers, and those of everything inside
+  // it, only as integer literals.
+  const JsonView json = strict ? view.withIntegerLiteralsOnly() : view;
+  if constexpr (strict) {
     if (auto listed = json_record::rejectUnlistedKeys<Record>(json); !listed) return std::unexpected(listed.error());
   }
   Record record{};
@@ -157,6 +180,9 @@ Decoded<Record> decodeRecord(const JsonView& json) {
       },
       JsonRecordFields<Record>::fields);
   if (!outcome) return std::unexpected(outcome.error());
+  if constexpr (json_record::ValidatedJsonRecord<Record>) {
+    if (auto valid = JsonRecordFields<Record>::validate(record, json); !valid) return std::unexpected(valid.error());
+  }
   return record;
 }
 
@@ -175,8 +201,16 @@ nlohmann::ordered_json encodeRecord(const Record& record) {
   nlohmann::ordered_json object = nlohmann::ordered_json::object();
   const auto put = [&](const auto& field) {
     const auto& value = record.*field.member;
-    if constexpr (json_record::isOptional<std::remove_cvref_t<decltype(value)>>) {
-      if (!value && JsonRecordFields<Record>::policy == JsonRecordPolicy::lenient) return;
+    using Value = std::remove_cvref_t<decltype(value)>;
+    if constexpr (json_record::isOptional<Value> || std::is_same_v<Value, nlohmann::json>) {
+      const bool hasValue = [&] {
+        if constexpr (std::is_same_v<Value, nlohmann::json>) {
+          return !value.is_null();
+        } else {
+          return value.has_value();
+        }
+      }();
+      if (!hasValue && JsonRecordFields<Record>::policy == JsonRecordPolicy::lenient) return;
     }
     object[std::string(field.key)] = encodeValue(value);
   };
@@ -190,6 +224,8 @@ nlohmann::ordered_json encodeValue(const Value& value) {
     return encodeRecord(value);
   } else if constexpr (std::is_same_v<Value, Date>) {
     return value.secondsSince2001();
+  } else if constexpr (std::is_same_v<Value, nlohmann::json>) {
+    return nlohmann::ordered_json(value);
   } else if constexpr (json_record::isOptional<Value>) {
     return value ? encodeValue(*value) : nlohmann::ordered_json(nullptr);
   } else if constexpr (json_record::isVector<Value>) {

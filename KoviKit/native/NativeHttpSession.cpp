@@ -117,6 +117,13 @@ std::expected<NativeHttpResponse, NativeTransportFailure> NativeHttpSession::per
 
   if (result == CURLE_FILESIZE_EXCEEDED) response.bodyOverLimit = true;
   if (result != CURLE_OK && !response.bodyOverLimit) {
+    long status = 0;
+    curl_easy_getinfo(handle_, CURLINFO_RESPONSE_CODE, &status);
+    // libcurl refuses a header line over its limit (100 KB) as "Out of
+    // memory"; once a status line has arrived, that is what it means.
+    if (result == CURLE_OUT_OF_MEMORY && status != 0) {
+      return std::unexpected(NativeTransportFailure{"a response header is larger than the 100 KB libcurl accepts"});
+    }
     std::string reason = curl_easy_strerror(result);
     if (errorText[0] != '\0') reason += std::string(": ") + errorText;
     return std::unexpected(NativeTransportFailure{std::move(reason)});

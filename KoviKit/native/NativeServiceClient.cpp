@@ -39,9 +39,9 @@ std::expected<nlohmann::ordered_json, NativeAccountError> NativeServiceClient::s
     std::string_view path, std::optional<std::string> body, std::optional<std::string> token) {
   auto text = sendForBody(path, std::move(body), std::move(token));
   if (!text) return std::unexpected(text.error());
-  auto document = nlohmann::ordered_json::parse(*text, nullptr, /*allow_exceptions=*/false);
-  if (document.is_discarded()) return std::unexpected(NativeAccountError::invalidResponse());
-  return document;
+  auto document = parseOrderedJson(*text);
+  if (!document) return std::unexpected(NativeAccountError::invalidResponse());
+  return std::move(*document);
 }
 
 }  // namespace kovi

@@ -1,7 +1,6 @@
 #include "KoviKit/wallet/V6InviteCode.h"
 
 #include <unicode/regex.h>
-#include <unicode/ustring.h>
 
 #include <algorithm>
 #include <memory>
@@ -29,25 +28,16 @@ const icu::RegexPattern& findPattern() {
   return *pattern;
 }
 
-// Upper case in the root locale; empty when the text is not UTF-8 or ICU fails.
-std::u16string foldedUpper(std::string_view text) {
-  const std::u16string wide = toUtf16(text);
-  if (wide.empty()) return {};
-  std::u16string upper(wide.size() + 16, u'\0');
-  for (int attempt = 0; attempt < 2; ++attempt) {
-    UErrorCode status = U_ZERO_ERROR;
-    const int32_t length =
-        u_strToUpper(reinterpret_cast<UChar*>(upper.data()), static_cast<int32_t>(upper.size()),
-                     reinterpret_cast<const UChar*>(wide.data()), static_cast<int32_t>(wide.size()), "", &status);
-    if (status == U_BUFFER_OVERFLOW_ERROR) {
-      upper.resize(static_cast<std::size_t>(length));
-      continue;
-    }
-    if (U_FAILURE(status)) return {};
-    upper.resize(static_cast<std::size_t>(length));
-    return upper;
+// The text with its ASCII letters in upper case and nothing else changed: a
+// code is ASCII, and folding other letters could make one out of look-alikes
+// ("ſ" upper-cases to "S", "ﬀ" to "FF"). Ill-formed bytes become U+FFFD, which
+// neither belongs to a code nor hides one next to it.
+std::u16string asciiUpper(std::string_view text) {
+  std::string upper(text);
+  for (char& c : upper) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
   }
-  return {};
+  return toUtf16Replacing(upper);
 }
 
 bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '\v'; }
@@ -84,7 +74,7 @@ bool V6InviteCode::isBody(std::string_view text) {
 }
 
 std::optional<V6InviteCode> V6InviteCode::find(std::string_view text) {
-  const std::u16string upper = foldedUpper(text);
+  const std::u16string upper = asciiUpper(text);
   if (upper.empty()) return std::nullopt;
   UErrorCode status = U_ZERO_ERROR;
   const icu::UnicodeString input(false, reinterpret_cast<const UChar*>(upper.data()),

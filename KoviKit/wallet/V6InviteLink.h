@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "KoviKit/foundation/Json.h"
+#include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/wallet/V6InviteCode.h"
 
 namespace kovi {
@@ -24,10 +24,11 @@ struct V6InviteLink {
   std::optional<V6InviteCode> inviteCode() const;
 };
 
-// A wire record: unknown keys are ignored.
+// A service answer: unknown keys are ignored.
 template <>
-struct JsonDecoder<V6InviteLink> {
-  static Decoded<V6InviteLink> decode(const JsonView& json);
+struct JsonRecordFields<V6InviteLink> : LenientJsonRecord {
+  static constexpr auto fields = std::tuple{field("code", &V6InviteLink::code), field("url", &V6InviteLink::url),
+                                            field("expiresAt", &V6InviteLink::expiresAt)};
 };
 
 }  // namespace kovi

@@ -61,6 +61,8 @@ std::optional<std::string> workProblem(const Rules& rules, const std::vector<Wor
 bool isEligible(const Rules& rules, const WorkingMemberProgress& progress) {
   const auto& race = rules.race;
   if (race.kind == Rules::RaceKind::none) return progress.successful;
+  // A member without counted work is not a racer, whatever the minimum.
+  if (progress.countedMilliseconds == 0) return false;
   if (progress.countedMilliseconds < checkedMul<std::int64_t>(race.minimumEligibilitySeconds, 1000)) return false;
   // Races with a target rank only those who reached it.
   return !race.targetSeconds || progress.reachedAt.has_value();

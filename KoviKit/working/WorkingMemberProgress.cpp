@@ -54,15 +54,96 @@ Segments countedSegments(const Rules& rules, const WorkingSessionWork& session) 
   return counted;
 }
 
-// Sessions whose counted work reaches the minimum; shorter ones do not count
-// at all.
-std::vector<Segments> countedSessions(const Rules& rules, const WorkingMemberWork& member) {
-  const std::int64_t minimum = millis(rules.session.minimumSeconds);
-  std::vector<Segments> sessions;
-  for (const auto& session : member.sessions) {
-    Segments counted = countedSegments(rules, session);
+// The wall-clock span of a session, from its first segment's start to its
+// last segment's end.
+WorkingWorkSegment spanOf(const WorkingSessionWork& session) {
+  WorkingWorkSegment span{session.segments.front().start, session.segments.front().end};
+  for (const auto& segment : session.segments) {
+    span.start = std::min(span.start, segment.start);
+    span.end = std::max(span.end, segment.end);
+  }
+  return span;
+}
+
+// Keeps the parts of `segments` before `limit`.
+void clipAt(Segments& segments, std::int64_t limit) {
+  for (auto& segment : segments) segment.end = std::min(segment.end, limit);
+  std::erase_if(segments, [](const WorkingWorkSegment& segment) { return segment.end <= segment.start; });
+}
+
+// Applies the session rules of the consent summary, sessions in start order:
+// a session starting before the rest after the previous counted session has
+// passed does not count; on a kovi day that already has its maximum of
+// counted sessions a further one does not count; only work within the hard
+// window from a session's start counts; a day's counted work stops at the
+// daily cap; and a session whose remaining work is below the minimum does not
+// count at all.
+class SessionRules {
+ public:
+  explicit SessionRules(const Rules& rules)
+      : rules_(rules),
+        daySessions_(rules.calendar.days.size(), 0),
+        dayWork_(rules.calendar.days.size(), 0) {}
+
+  std::optional<Segments> counted(const WorkingSessionWork& session) {
+    const auto& policy = rules_.session;
+    const auto& days = rules_.calendar.days;
+    const WorkingWorkSegment span = spanOf(session);
+    if (previousEnd_ && span.start < checkedAdd(*previousEnd_, millis(policy.restSeconds))) return std::nullopt;
+    const auto day = firstSpanEndingAfter(days, span.start);
+    const bool startsInADay = day != days.end() && day->start <= span.start;
+    const auto dayIndex = static_cast<std::size_t>(day - days.begin());
+    if (policy.maximumSessionsPerDay && startsInADay && daySessions_[dayIndex] >= *policy.maximumSessionsPerDay) {
+      return std::nullopt;
+    }
+
+    Segments counted = countedSegments(rules_, session);
+    if (policy.hardWindowSeconds) clipAt(counted, checkedAdd(span.start, millis(*policy.hardWindowSeconds)));
+    std::vector<std::int64_t> work = dayWork_;
+    if (policy.dailyCapSeconds) counted = withinDailyCap(counted, millis(*policy.dailyCapSeconds), work);
     const std::int64_t length = lengthOf(counted);
-    if (length > 0 && length >= minimum) sessions.push_back(std::move(counted));
+    if (length == 0 || length < millis(policy.minimumSeconds)) return std::nullopt;
+
+    dayWork_ = std::move(work);
+    if (startsInADay) ++daySessions_[dayIndex];
+    previousEnd_ = span.end;
+    return counted;
+  }
+
+ private:
+  // The parts of `segments` that fit under each day's cap, counting them into
+  // `work` (the day's counted time so far).
+  Segments withinDailyCap(const Segments& segments, std::int64_t cap, std::vector<std::int64_t>& work) const {
+    Segments kept;
+    for (const auto& segment : segments) {
+      forEachOverlap(segment, rules_.calendar.days, [&](std::size_t index, std::int64_t from, std::int64_t to) {
+        const std::int64_t room = std::max<std::int64_t>(0, cap - work[index]);
+        const std::int64_t taken = std::min(room, to - from);
+        if (taken <= 0) return;
+        work[index] = checkedAdd(work[index], taken);
+        kept.push_back({from, from + taken});
+      });
+    }
+    return kept;
+  }
+
+  const Rules& rules_;
+  std::optional<std::int64_t> previousEnd_;
+  std::vector<std::int64_t> daySessions_;
+  std::vector<std::int64_t> dayWork_;
+};
+
+// The sessions that count, each with its counted segments.
+std::vector<Segments> countedSessions(const Rules& rules, const WorkingMemberWork& member) {
+  std::vector<const WorkingSessionWork*> ordered;
+  for (const auto& session : member.sessions) {
+    if (!session.segments.empty()) ordered.push_back(&session);
+  }
+  std::ranges::stable_sort(ordered, {}, [](const WorkingSessionWork* session) { return spanOf(*session).start; });
+  SessionRules sessionRules(rules);
+  std::vector<Segments> sessions;
+  for (const WorkingSessionWork* session : ordered) {
+    if (auto counted = sessionRules.counted(*session)) sessions.push_back(std::move(*counted));
   }
   return sessions;
 }

@@ -61,19 +61,8 @@ const std::unordered_map<std::string_view, std::vector<std::string_view>>& keySe
   return sets;
 }
 
-// Walks `value` at `path` (extended in place and restored on the way out).
-std::expected<void, std::string> walk(const nlohmann::json& value, std::string& path) {
-  if (value.is_array()) {
-    const std::size_t mark = path.size();
-    path += "[]";
-    for (const auto& element : value) {
-      if (auto checked = walk(element, path); !checked) return checked;
-    }
-    path.resize(mark);
-    return {};
-  }
-  if (!value.is_object()) return {};
-
+// Checks one object against the key set of its path.
+std::expected<void, std::string> checkObject(const nlohmann::json& value, const std::string& path) {
   const auto& sets = keySets();
   const auto found = sets.find(path);
   if (found == sets.end()) return std::unexpected("Unknown policy object at " + path);
@@ -85,14 +74,6 @@ std::expected<void, std::string> walk(const nlohmann::json& value, std::string& 
     sameKeys = value.contains(keys[index]);
   }
   if (!sameKeys) return std::unexpected("Unknown or missing policy field at " + path);
-
-  const std::size_t mark = path.size();
-  for (const std::string_view key : keys) {
-    path += '.';
-    path += key;
-    if (auto checked = walk(value.find(key).value(), path); !checked) return checked;
-    path.resize(mark);
-  }
   return {};
 }
 
@@ -100,10 +81,33 @@ std::expected<void, std::string> walk(const nlohmann::json& value, std::string& 
 
 std::span<const WorkingRuleShape::Entry> WorkingRuleShape::table() { return kShapeTable; }
 
+// Walks the document with a stack of its own rather than by recursion: the
+// document comes from outside, and its nesting must not decide how deep the
+// call stack goes. Children are pushed in reverse so they are visited in
+// order, parents before children, as a recursive walk would.
 std::expected<void, std::string> WorkingRuleShape::check(const nlohmann::json& rules) {
-  std::string path = "rules";
-  path.reserve(64);
-  return walk(rules, path);
+  struct Pending {
+    const nlohmann::json* value;
+    std::string path;
+  };
+  std::vector<Pending> pending{{&rules, "rules"}};
+  while (!pending.empty()) {
+    Pending next = std::move(pending.back());
+    pending.pop_back();
+    const nlohmann::json& value = *next.value;
+    if (value.is_array()) {
+      const std::string elementPath = next.path + "[]";
+      for (auto element = value.rbegin(); element != value.rend(); ++element) pending.push_back({&*element, elementPath});
+      continue;
+    }
+    if (!value.is_object()) continue;
+    if (auto checked = checkObject(value, next.path); !checked) return checked;
+    const std::vector<std::string_view>& keys = keySets().at(next.path);
+    for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+      pending.push_back({&value.find(*key).value(), next.path + "." + std::string(*key)});
+    }
+  }
+  return {};
 }
 
 }  // namespace kovi

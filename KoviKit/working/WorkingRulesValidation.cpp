@@ -170,10 +170,12 @@ Reason checkRace(const Rules& rules) {
 
 Reason checkPayouts(const Rules& rules) {
   const auto& economics = rules.economics;
+  // Without a race there is no ranking to pay: the one reason this check
+  // gives covers an eligibility, a ranked payout or rank shares alike.
   if (rules.race.kind == Rules::RaceKind::none) {
-    if (rules.race.minimumEligibilitySeconds != 0) return "Invalid race eligibility";
-    if (economics.payout != Rules::Payout::equalSuccessful || !economics.rankPayoutsBps.empty()) {
-      return "Ranked payout needs a race";
+    if (rules.race.minimumEligibilitySeconds != 0 || economics.payout != Rules::Payout::equalSuccessful ||
+        !economics.rankPayoutsBps.empty()) {
+      return "Rank payouts must total 10000";
     }
   } else {
     const auto& shares = economics.rankPayoutsBps;

@@ -1,5 +1,9 @@
 #include "KoviKit/working/WorkingSummaryLine.h"
 
+#include <unicode/msgfmt.h>
+
+#include "KoviKit/foundation/Trap.h"
+
 #include "KoviKit/working/WorkingSummaryFormat.h"
 
 namespace kovi {
@@ -8,8 +12,43 @@ bool WorkingSummaryLine::operator==(const WorkingSummaryLine& other) const {
   return text == other.text && values == other.values;
 }
 
+namespace {
+
+// A text whose wording follows a count ("1 time", "2 times") is an ICU
+// message pattern, "{0, plural, one {# time} other {# times}}", so each
+// language's own plural rules choose the form. Counts go in as numbers for
+// the rules to read; every other value goes in already formatted.
+std::string renderWithPlurals(std::string_view pattern, const std::vector<WorkingSummaryValue>& values,
+                              WorkingSummaryLanguage language) {
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::MessageFormat format(icu::UnicodeString::fromUTF8(icu::StringPiece(pattern.data(),
+                                                                                 static_cast<int32_t>(pattern.size()))),
+                                  icu::Locale(std::string(workingSummaryLocale(language)).c_str()), status);
+  std::vector<icu::Formattable> arguments;
+  arguments.reserve(values.size());
+  for (const WorkingSummaryValue& value : values) {
+    if (value.kind == WorkingSummaryValue::Kind::count) {
+      arguments.emplace_back(static_cast<int64_t>(value.number));
+    } else {
+      arguments.emplace_back(icu::UnicodeString::fromUTF8(value.render(language)));
+    }
+  }
+  icu::UnicodeString rendered;
+  icu::FieldPosition position;
+  format.format(arguments.data(), static_cast<int32_t>(arguments.size()), rendered, position, status);
+  // The patterns are this program's own constants; one ICU cannot read is a
+  // programming error.
+  if (U_FAILURE(status)) trap("a summary text is not a valid ICU message pattern");
+  std::string text;
+  rendered.toUTF8String(text);
+  return text;
+}
+
+}  // namespace
+
 std::string WorkingSummaryLine::render(WorkingSummaryLanguage language) const {
   const std::string_view pattern = text->in(language);
+  if (pattern.find(", plural,") != std::string_view::npos) return renderWithPlurals(pattern, values, language);
   std::string out;
   out.reserve(pattern.size() + 16);
   for (std::size_t index = 0; index < pattern.size(); ++index) {

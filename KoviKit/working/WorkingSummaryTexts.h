@@ -24,11 +24,13 @@ inline constexpr Text consentBinding{
 // Goal, by goal kind.
 inline constexpr Text dailyTarget{"Günlük hedef: {0}.", "Daily target: {0}.", "Objectif quotidien : {0}."};
 inline constexpr Text requiredSomeDays{"{0} günün {1} gününde hedefe ulaşmalısın.",
-                                       "You must reach the target on {1} of the {0} days.",
-                                       "Tu dois atteindre l’objectif {1} jours sur {0}."};
+                                       "You must reach the target on {1} of the {0, plural, one {# day} other {# days}}.",
+                                       "Tu dois atteindre l’objectif {1, plural, one {# jour} other {# jours}} sur {0}."};
 inline constexpr Text requiredAllDays{"{0} günün hepsinde hedefe ulaşmalısın.",
-                                      "You must reach the target on all {0} days.",
-                                      "Tu dois atteindre l’objectif chacun des {0} jours."};
+                                      "{0, plural, one {You must reach the target on the # day.} "
+                                      "other {You must reach the target on all # days.}}",
+                                      "{0, plural, one {Tu dois atteindre l’objectif le # jour.} "
+                                      "other {Tu dois atteindre l’objectif chacun des # jours.}}"};
 inline constexpr Text bothConditions{
     "İki koşul birlikte gerekli: toplam {0} doğrulanmış çalışma ve günlük koşul.",
     "Both conditions are required together: {0} of verified work in total, and the daily condition.",
@@ -43,8 +45,10 @@ inline constexpr Text singleSessionTarget{"Tek oturum hedefi: {0}.", "Single-ses
                                           "Objectif en une seule session : {0}."};
 inline constexpr Text scheduledTarget{
     "Planlı hedef: aşağıdaki {0} çalışma aralığının her birindeki hedef tamamlanmalı.",
-    "Scheduled target: the target of each of the {0} work windows below must be completed.",
-    "Objectif planifié : l’objectif de chacune des {0} plages de travail ci-dessous doit être atteint."};
+    "Scheduled target: {0, plural, one {the target of the # work window below} "
+    "other {the target of each of the # work windows below}} must be completed.",
+    "Objectif planifié : {0, plural, one {l’objectif de la # plage de travail ci-dessous} "
+    "other {l’objectif de chacune des # plages de travail ci-dessous}} doit être atteint."};
 inline constexpr Text sprintTarget{"Sprint: belirlenen aralıkta toplam {0} doğrulanmış çalışma.",
                                    "Sprint: {0} of verified work in total within the set window.",
                                    "Sprint : {0} de travail vérifié au total dans la plage fixée."};
@@ -372,11 +376,13 @@ inline constexpr Text bypassExcludesTime{
     "Conséquence d’un contournement de la protection : seul le temps concerné est exclu ; le travail précédent "
     "n’est pas supprimé pour autant."};
 inline constexpr Text bypassFailsDay{"Bir Kovi gününde {0} ihlale ulaşılırsa o günün çalışması sayılmaz.",
-                                     "If {0} violations are reached in one Kovi day, that day’s work does not count.",
-                                     "Si {0} infractions sont atteintes dans un jour du Kovi, le travail de ce jour "
-                                     "ne compte pas."};
+                                     "If {0, plural, one {# violation is} other {# violations are}} reached in one "
+                                     "Kovi day, that day’s work does not count.",
+                                     "Si {0, plural, one {# infraction est atteinte} other {# infractions sont "
+                                     "atteintes}} dans un jour du Kovi, le travail de ce jour ne compte pas."};
 inline constexpr Text limitedBypass{"Sınırlı koruma açma: oturum başına {0} kez, her seferinde {1}.",
-                                    "Limited protection unlock: {0} times per session, {1} each time.",
+                                    "Limited protection unlock: {0, plural, one {# time} other {# times}} per "
+                                    "session, {1} each time.",
                                     "Déverrouillage limité de la protection : {0} fois par session, {1} à chaque "
                                     "fois."};
 inline constexpr Text limitedBypassReturns{

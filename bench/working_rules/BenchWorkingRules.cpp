@@ -5,14 +5,13 @@
 // at most 3x).
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <map>
 #include <string>
 
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/foundation/Json.h"
 #include "KoviKit/working/WorkingRules.h"
+#include "bench/BenchMedianRatio.h"
 
 namespace {
 
@@ -45,20 +44,6 @@ void decodeAndValidate(benchmark::State& state) {
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * typicalRules().size()));
 }
 
-// Remembers each benchmark's median time per iteration for the closing ratio.
-class TimeKeeper : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.run_type != Run::RT_Aggregate || run.aggregate_name != "median") continue;
-      wallTimes[run.run_name.function_name] = run.GetAdjustedRealTime();
-      cpuTimes[run.run_name.function_name] = run.GetAdjustedCPUTime();
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  std::map<std::string, double> wallTimes;
-  std::map<std::string, double> cpuTimes;
-};
 
 }  // namespace
 
@@ -69,14 +54,8 @@ int main(int argc, char** argv) {
                            benchmark::RegisterBenchmark("decode_shape_validate", decodeAndValidate)}) {
     registered->Repetitions(7)->ReportAggregatesOnly(true)->Unit(benchmark::kMicrosecond);
   }
-  TimeKeeper keeper;
+  kovi::bench::MedianKeeper keeper;
   benchmark::RunSpecifiedBenchmarks(&keeper);
   benchmark::Shutdown();
-  const double baseline = keeper.wallTimes["parse_json"];
-  const double cpuBaseline = keeper.cpuTimes["parse_json"];
-  if (baseline <= 0 || cpuBaseline <= 0) return 1;
-  const double ratio = keeper.wallTimes["decode_shape_validate"] / baseline;
-  std::printf("ratio: decode_shape_validate/parse_json = %.2fx wall time, %.2fx CPU time (target <= 3x: %s)\n", ratio,
-              keeper.cpuTimes["decode_shape_validate"] / cpuBaseline, ratio <= 3.0 ? "met" : "missed");
-  return 0;
+  return keeper.printRatio("decode_shape_validate", "parse_json", 3) ? 0 : 1;
 }

@@ -43,6 +43,22 @@ TEST(V6WalkingObservation, CarriesClosedBucketsAsWholeStepStrings) {
   }
 }
 
+// Rounding bucket by bucket would send 5000 + 4999 + 0 + 0 = 9999 of these
+// 10001.3 steps; the running total sends every whole step.
+TEST(V6WalkingObservation, WholeStepsFollowTheRunningTotal) {
+  const std::vector<HealthEvidenceBucket> buckets{bucketAt(kWindow.start, 0, 5000.5), bucketAt(kWindow.start, 1, 4999.5),
+                                                  bucketAt(kWindow.start, 2, 0.7), bucketAt(kWindow.start, 3, 0.6)};
+  const UnixMillis cutoff = kWindow.start + 4 * kBucket;
+  const auto day = WalkingEvidenceBuckets::sanitize(kWindow, HealthEvidenceReadOutcome::measured, buckets, cutoff);
+  ASSERT_TRUE(day.has_value());
+  EXPECT_DOUBLE_EQ(day->closedTotal, 10001.3);
+  const auto observation = V6WalkingObservation::fromDay(*day, cutoff);
+  ASSERT_TRUE(observation.has_value());
+  std::vector<std::string> steps;
+  for (const V6WalkingBucket& bucket : observation->buckets) steps.push_back(bucket.steps);
+  EXPECT_EQ(steps, (std::vector<std::string>{"5000", "5000", "0", "1"}));
+}
+
 TEST(V6WalkingObservation, PayloadNamesTheCutoffClosedThroughAndTheWireFormMeasurementCutoff) {
   const UnixMillis cutoff = kWindow.start + 2 * kBucket + 1;
   const auto observation = V6WalkingObservation::fromDay(dayReadAt(cutoff), cutoff).value();

@@ -78,7 +78,21 @@ TEST(WalkingRulesRefused, RefusesTheWholeRecordAndNamesTheKey) {
        RefusedCase{"windowWithExtraKey", "dayWindows", R"([{"start":1,"end":2,"day":0}])",
                    "dayWindows[0].day: unknown key"},
        RefusedCase{"shareAsText", "rankPayoutsBps", R"(["6000"])",
-                   "rankPayoutsBps[0]: expected an integer, found a string"}}) {
+                   "rankPayoutsBps[0]: expected an integer, found a string"},
+       RefusedCase{"integralFloat", "durationDays", "3.0", "durationDays: expected an integer, found a number"},
+       RefusedCase{"exponent", "stepTarget", "8e3", "stepTarget: expected an integer, found a number"},
+       RefusedCase{"negativeTarget", "stepTarget", "-1", "stepTarget: must not be negative"},
+       RefusedCase{"noDays", "durationDays", "0", "durationDays: must be 1 to 366"},
+       RefusedCase{"goalWithoutGoalMode", "goalMode", "", "goalMode: required in goal mode"},
+       RefusedCase{"goalWithRaceMode", "raceMode", R"("highestTotal")", "raceMode: only for race mode"},
+       RefusedCase{"raceWithGoalMode", "mode", R"("race")", "raceMode: required in race mode"},
+       RefusedCase{"moreRequiredDaysThanDays", "requiredSuccessfulDays", "4",
+                   "requiredSuccessfulDays: must be 1 to durationDays (3)"},
+       RefusedCase{"noRequiredDays", "requiredSuccessfulDays", "0",
+                   "requiredSuccessfulDays: must be 1 to durationDays (3)"},
+       RefusedCase{"rankedWithoutShares", "payoutRule", R"("ranked")",
+                   "rankPayoutsBps: a ranked payout needs 1 to 100 shares totalling 10000"},
+       RefusedCase{"shareOfZero", "rankPayoutsBps", "[0]", "rankPayoutsBps: each share must be 1 to 10000"}}) {
     SCOPED_TRACE(example.name);
     nlohmann::json document = nlohmann::json::parse(kDailyRules);
     if (example.value.empty()) {
@@ -90,6 +104,15 @@ TEST(WalkingRulesRefused, RefusesTheWholeRecordAndNamesTheKey) {
     ASSERT_FALSE(rules.has_value()) << document.dump();
     EXPECT_EQ(rules.error().message(), example.error);
   }
+}
+
+// With a repeated key the hash would depend on which copy a reader keeps.
+TEST(WalkingRulesRefused, RefusesARepeatedKey) {
+  std::string text(kDailyRules);
+  text.insert(1, R"("stepTarget":1,)");
+  const auto rules = decodeJsonText<WalkingKoviRules>(text);
+  ASSERT_FALSE(rules.has_value());
+  EXPECT_EQ(rules.error().message(), "stepTarget: duplicate key");
 }
 
 TEST(WalkingContextRulesHash, RefusesAContextWhoseRulesDoNotHashToItsHash) {

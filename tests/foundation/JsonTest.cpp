@@ -76,7 +76,21 @@ INSTANTIATE_TEST_SUITE_P(
         RejectCase{R"([{"name": "Pamuk", "ageDays": 3, "toys": [2147483648]}])", "[0].toys[0]: integer out of range"},
         RejectCase{R"([{"name": "Pamuk", "ageDays": 3, "toys": [], "owner": "Ece"}])", "[0].owner: unknown key"},
         RejectCase{R"({"name": "Pamuk"})", "expected an array, found an object"},
-        RejectCase{R"([{"name": "Pamuk",)", "not valid JSON"}));
+        RejectCase{R"([{"name": "Pamuk", "ageDays": 3, "toys": []}, {"name": "A", "name": "B"}])",
+                   "[1].name: duplicate key"},
+        RejectCase{"[{\"name\": \"Pamuk\",\n  \"toys\": [1 2]}]",
+                   "not valid JSON at line 2, column 14: syntax error while parsing array - unexpected number "
+                   "literal; expected ']'"}));
+
+TEST(JsonTest, RefusesNestingPastTheDepthLimitWithoutExhaustingTheStack) {
+  const auto nested = [](int depth) { return std::string(depth, '[') + std::string(depth, ']'); };
+  EXPECT_TRUE(parseJson(nested(kJsonMaximumDepth)).has_value());
+  for (const int depth : {kJsonMaximumDepth + 1, 35'000}) {
+    const auto parsed = parseOrderedJson(nested(depth));
+    ASSERT_FALSE(parsed.has_value()) << depth;
+    EXPECT_EQ(parsed.error().message(), "nested deeper than 128 levels");
+  }
+}
 
 TEST(JsonTest, DecodesOptionalsIntegralNumbersAndArrays) {
   const auto decoded = decodeJsonText<std::vector<Kitten>>(

@@ -79,7 +79,9 @@ TEST_F(FileKeyValueStoreTest, UnreadableDocumentsAreReportedAndNeverSilentlyLost
     std::string reason;
   };
   const std::vector<Case> cases{
-      {"{not json", KeyValueStoreError::Kind::corrupt, "not valid JSON"},
+      {"{not json", KeyValueStoreError::Kind::corrupt,
+       "not valid JSON at line 1, column 3: syntax error while parsing object key - invalid literal; last read: "
+       "'{no'; expected string literal"},
       {R"({"values":{}})", KeyValueStoreError::Kind::corrupt, "version: missing key"},
       {R"({"version":1,"values":[]})", KeyValueStoreError::Kind::corrupt,
        "values: expected an object, found an array"},

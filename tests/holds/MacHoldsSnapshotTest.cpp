@@ -104,8 +104,13 @@ INSTANTIATE_TEST_SUITE_P(
         DecodeCase{"NullRequiredKey", replaced(minimalSnapshot, "\"stopped\": true", "\"stopped\": null"),
                    Kind::undecodable, "stopped: expected a boolean, found null"},
         DecodeCase{"ArrayDocument", "[]", Kind::undecodable, "expected an object, found an array"},
-        DecodeCase{"NotJson", "{\"version\": 1,", Kind::undecodable, "not valid JSON"},
-        DecodeCase{"Empty", "", Kind::undecodable, "not valid JSON"}),
+        DecodeCase{"NotJson", "{\"version\": 1,", Kind::undecodable,
+                   "not valid JSON at line 1, column 15: syntax error while parsing object key - unexpected end of "
+                   "input; expected string literal"},
+        DecodeCase{"RepeatedKey", "{\"version\": 1, \"version\": 1}", Kind::undecodable, "version: duplicate key"},
+        DecodeCase{"Empty", "", Kind::undecodable,
+                   "not valid JSON at line 1, column 1: syntax error while parsing value - unexpected end of input; "
+                   "expected '[', '{', or a literal"}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // Pads a valid snapshot with trailing spaces (still valid JSON) to `size` bytes.

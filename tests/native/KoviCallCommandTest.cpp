@@ -159,7 +159,10 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         RefusalCase{"origin_unset", std::nullopt, {"call", "account", "/me"}, "KOVI_SERVICE_ORIGIN is not set"},
         RefusalCase{"origin_plain_http", "http://kovi.example", {"call", "account", "/me"}, "must use https://"},
-        RefusalCase{"body_not_json", "<server>", {"call", "account", "/echo", "--body", "{oops"}, "not valid JSON"},
+        RefusalCase{"body_not_json", "<server>", {"call", "account", "/echo", "--body", "{oops"},
+                    "--body: not valid JSON at line 1, column 2"},
+        RefusalCase{"timeout_not_finite", "<server>", {"call", "account", "/me", "--timeout", "nan"},
+                    "\"nan\" is out of range (0.001 to 3600 seconds)"},
         RefusalCase{"body_file_missing", "<server>", {"call", "account", "/echo", "--body", "@/no/such/file"},
                     "no such file"},
         RefusalCase{"area_malformed", "<server>", {"call", "Account/../x", "/me"}, "AREA"},

@@ -46,7 +46,10 @@ INSTANTIATE_TEST_SUITE_P(
         CommandCase{{"errors", "wait", "60"}, 0, "Şu an çok fazla istek var. 1 dakika sonra yeniden dene.\n", ""},
         CommandCase{{"errors", "wait", "-30"}, 0, "Şu an çok fazla istek var. 1 saniye sonra yeniden dene.\n", ""},
         CommandCase{{"errors", "wait", "soon"}, 2, "", "SECONDS"},
-        CommandCase{{"errors", "wait", "99999999999999999999"}, 2, "", "SECONDS"}));
+        // Counts are plain decimal: no octal, no hex, no clamping.
+        CommandCase{{"errors", "wait", "0777"}, 0, "Şu an çok fazla istek var. 13 dakika sonra yeniden dene.\n", ""},
+        CommandCase{{"errors", "wait", "0x10"}, 2, "", "\"0x10\" is not a plain decimal integer"},
+        CommandCase{{"errors", "wait", "99999999999999999999"}, 2, "", "\"99999999999999999999\" is out of range"}));
 
 }  // namespace
 }  // namespace kovi

@@ -321,6 +321,23 @@ TEST(NativeServiceClientTest, ServerSlowerThanTheTimeOutIsUnavailable) {
   EXPECT_NE(failures.front().find("Timeout"), std::string::npos) << failures.front();
 }
 
+// A service may send a header libcurl will not hold; that is not a lack of
+// memory, and the reason says so.
+TEST(NativeServiceClientTest, OversizedHeaderIsUnavailableAndNamedAsSuch) {
+  LoopbackServer server([&](httplib::Server& http) {
+    http.Get("/api/native/account/greeting", [&](const httplib::Request&, httplib::Response& response) {
+      response.status = 429;
+      response.set_header("Retry-After", std::string(200'000, '9'));
+    });
+  });
+  std::vector<std::string> failures;
+  NativeAccountAPI api(server.serviceOrigin(), observing(failures, 5s));
+  const auto result = api.send<Greeting>("/greeting");
+  ASSERT_FALSE(result.has_value());
+  EXPECT_EQ(result.error(), NativeAccountError::unavailable());
+  EXPECT_EQ(failures, std::vector<std::string>{"a response header is larger than the 100 KB libcurl accepts"});
+}
+
 TEST(NativeServiceClientTest, RefusedConnectionIsUnavailable) {
   const NativeServiceOrigin origin = LoopbackServer([](httplib::Server&) {}).serviceOrigin();
   std::vector<std::string> failures;

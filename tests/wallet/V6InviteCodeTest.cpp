@@ -57,7 +57,9 @@ INSTANTIATE_TEST_SUITE_P(
         FindCase{"doubleHyphen", "KOVI--ABCD-EFGH", std::nullopt},
         FindCase{"shortBody", "KOVI-ABCD-EFG", std::nullopt},
         FindCase{"empty", "", std::nullopt},
-        FindCase{"notUtf8", std::string("KOVI-ABCD-EFGH \xff"), std::nullopt}),
+        FindCase{"invalidUtf8ElsewhereInTheText", std::string("\xff kod: KOVI-ABCD-EFGH \xc3"), "KOVI-ABCD-EFGH"},
+        FindCase{"longSUpperCasesToSButIsNoCodeLetter", "kovi-abcd-efgſ", std::nullopt},
+        FindCase{"ffLigatureUpperCasesToFFButIsNoCodeLetters", "kovi-abcd-efﬀ", std::nullopt}),
     [](const auto& info) { return info.param.name; });
 
 TEST(V6InviteCode, AlphabetHasThirtyTwoUnambiguousSymbols) {

@@ -32,7 +32,9 @@ TEST(WorkingJudgementCodingTest, WorkFileErrorsNameTheirPath) {
       {R"({"members": [{"accountID": "a", "sessions": [{"id": "s", "segments": [{"start": 1}]}]}]})",
        "members[0].sessions[0].segments[0].end: missing key"},
       {R"({"members": [{"accountID": 7, "sessions": []}]})", "members[0].accountID: expected a string, found a number"},
-      {R"({"members": )", "not valid JSON"},
+      {R"({"members": )",
+       "not valid JSON at line 1, column 13: syntax error while parsing value - unexpected end of input; expected '[', "
+       "'{', or a literal"},
   };
   for (const auto& broken : cases) {
     SCOPED_TRACE(broken.text);

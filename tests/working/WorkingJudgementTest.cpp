@@ -119,6 +119,47 @@ TEST(WorkingJudgementTest, SessionsUnderTheMinimumDoNotCountAtAll) {
   EXPECT_EQ(judgement.members[1].progress.countedMilliseconds, 10 * 60'000);
 }
 
+// Every session rule the consent summary states changes what counts.
+TEST(WorkingJudgementTest, SessionRulesDecideWhichWorkCounts) {
+  using testing::decodedRules;
+  const struct {
+    std::string name;
+    const char* key;
+    std::int64_t value;
+    WorkingMemberWork worker;
+    std::int64_t counted;
+  } cases[] = {
+      // 30 min rest: the session starting 15 min after the first does not
+      // count; the one starting 45 min after the first's end does.
+      {"rest between sessions", "restSeconds", 1800,
+       member("m", {{work(0, 9, 0, 30)}, {work(0, 9, 45, 30)}, {work(0, 11, 0, 20)}}), 50 * 60'000},
+      {"sessions per day", "maximumSessionsPerDay", 1,
+       member("m", {{work(0, 9, 0, 30)}, {work(0, 12, 0, 30)}, {work(1, 9, 0, 20)}}), 50 * 60'000},
+      // One hour from the session's start: 30 min, then 10 of the 30 min from 09:50.
+      {"hard window", "hardWindowSeconds", 3600,
+       member("m", {{work(0, 9, 0, 30), work(0, 9, 50, 30), work(0, 10, 30, 30)}}), 40 * 60'000},
+      {"daily cap", "dailyCapSeconds", 3600,
+       member("m", {{work(0, 9, 0, 45)}, {work(0, 11, 0, 45)}, {work(1, 9, 0, 45)}}), 105 * 60'000},
+  };
+  for (const auto& example : cases) {
+    SCOPED_TRACE(example.name);
+    nlohmann::json document = testing::workingRulesJson("daily-rules.json");
+    document["session"][example.key] = example.value;
+    const auto judgement = judged(decodedRules(document), {example.worker});
+    EXPECT_EQ(judgement.members[0].progress.countedMilliseconds, example.counted);
+  }
+}
+
+// Even without an eligibility minimum, a member who did no counted work is
+// not a racer: when nobody worked, the fallback decides.
+TEST(WorkingJudgementTest, MembersWithoutWorkAreNotRacers) {
+  nlohmann::json document = testing::workingRulesJson("race-rules.json");
+  document["race"]["minimumEligibilitySeconds"] = 0;
+  const auto judgement = judged(testing::decodedRules(document), {member("ayse", {}), member("bora", {})});
+  EXPECT_TRUE(judgement.settlement.fallbackUsed);
+  EXPECT_FALSE(judgement.members[0].eligible || judgement.members[1].eligible);
+}
+
 TEST(WorkingJudgementTest, SuccessfulMembersShareEquallyWhateverTheirExtraWork) {
   const Rules rules = testing::workingRules("daily-rules.json");
   ASSERT_TRUE(summaryHas(rules, text::equalShares));

@@ -92,6 +92,21 @@ TEST(WorkingRuleShapeTest, RefusesEveryObjectOutsideItsKeySet) {
   }
 }
 
+// A document built in memory never passed the parser's depth limit; the walk
+// itself must survive any nesting.
+TEST(WorkingRuleShapeTest, WalksDeepNestingWithoutRecursion) {
+  constexpr int kDepth = 35'000;
+  nlohmann::json nested = nlohmann::json::object();
+  for (int level = 0; level < kDepth; ++level) nested = nlohmann::json::array({std::move(nested)});
+  nlohmann::json rules = testing::workingRulesJson("daily-rules.json");
+  rules["calendar"]["windows"] = std::move(nested);
+  const auto checked = WorkingRuleShape::check(rules);
+  ASSERT_FALSE(checked.has_value());
+  std::string expectedPath = "rules.calendar.windows";
+  for (int level = 0; level < kDepth; ++level) expectedPath += "[]";
+  EXPECT_EQ(checked.error(), "Unknown policy object at " + expectedPath);
+}
+
 // "rules.blocking.mac" → "/blocking/mac"; "rules" → "" (the document).
 nlohmann::json::json_pointer pointerOf(std::string_view path) {
   std::string pointer;

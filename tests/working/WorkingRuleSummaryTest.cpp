@@ -53,12 +53,37 @@ TEST(WorkingSummaryFormatTest, PercentagesAndCountsFollowTheLanguage) {
                                     });
 }
 
+// The values a text refers to: "{1}" and "{1, plural, …}" both name value 1.
 std::multiset<std::string> placeholders(std::string_view pattern) {
   std::multiset<std::string> found;
   for (std::size_t open = pattern.find('{'); open != std::string_view::npos; open = pattern.find('{', open + 1)) {
-    found.insert(std::string(pattern.substr(open, pattern.find('}', open) - open + 1)));
+    const std::size_t end = pattern.find_first_not_of("0123456789", open + 1);
+    if (end > open + 1) found.insert("{" + std::string(pattern.substr(open + 1, end - open - 1)) + "}");
   }
   return found;
+}
+
+// Counted words follow each language's plural rules.
+TEST(WorkingRuleSummaryTest, CountedWordsFollowThePluralRules) {
+  const struct {
+    const WorkingSummaryText* text;
+    std::vector<WorkingSummaryValue> values;
+    WorkingSummaryLanguage language;
+    std::string rendered;
+  } cases[] = {
+      {&text::limitedBypass, {WorkingSummaryValue::count(1), WorkingSummaryValue::duration(60)},
+       WorkingSummaryLanguage::english, "Limited protection unlock: 1 time per session, 1 min each time."},
+      {&text::limitedBypass, {WorkingSummaryValue::count(2), WorkingSummaryValue::duration(60)},
+       WorkingSummaryLanguage::english, "Limited protection unlock: 2 times per session, 1 min each time."},
+      {&text::requiredSomeDays, {WorkingSummaryValue::count(3), WorkingSummaryValue::count(1)},
+       WorkingSummaryLanguage::french, "Tu dois atteindre l’objectif 1 jour sur 3."},
+      {&text::bypassFailsDay, {WorkingSummaryValue::count(1)}, WorkingSummaryLanguage::english,
+       "If 1 violation is reached in one Kovi day, that day’s work does not count."},
+  };
+  for (const auto& example : cases) {
+    SCOPED_TRACE(example.rendered);
+    EXPECT_EQ((WorkingSummaryLine{example.text, example.values}.render(example.language)), example.rendered);
+  }
 }
 
 // A translation that drops or invents a value would print a wrong line.

@@ -178,7 +178,11 @@ std::vector<ValidationCase> validationCases() {
        "Rank payouts must total 10000"},
       {"no race with ranked payout", "daily-rules.json",
        both(setAt("/economics/payout", "ranked"), setAt("/economics/rankPayoutsBps", json{10000})),
-       "Ranked payout needs a race"},
+       "Rank payouts must total 10000"},
+      {"no race with rank shares", "daily-rules.json", setAt("/economics/rankPayoutsBps", json{10000}),
+       "Rank payouts must total 10000"},
+      {"no race with an eligibility minimum", "daily-rules.json", setAt("/race/minimumEligibilitySeconds", 60),
+       "Rank payouts must total 10000"},
       {"exit penalty over the pool", "daily-rules.json", setAt("/economics/exitPenaltyBps", 10001),
        "Invalid exit penalty"},
       // Contribution.

@@ -10,11 +10,13 @@
 #include <regex>
 #include <string>
 
+#include "KoviKit/foundation/Json.h"
 #include "KoviKit/native/NativeServiceClient.h"
 #include "KoviKit/native/NativeServiceOrigin.h"
 #include "tools/kovi/Commands.h"
 #include "tools/kovi/ErrorAreas.h"
 #include "tools/kovi/Input.h"
+#include "tools/kovi/NumberOptions.h"
 #include "tools/kovi/ServiceOrigin.h"
 
 namespace kovi::tool {
@@ -46,7 +48,7 @@ std::expected<std::string, std::string> requestBody(const std::string& argument)
     if (!contents) return std::unexpected(contents.error());
     text = std::move(*contents);
   }
-  if (!nlohmann::json::accept(text)) return std::unexpected("--body is not valid JSON");
+  if (auto parsed = parseJson(text); !parsed) return std::unexpected("--body: " + parsed.error().message());
   return text;
 }
 
@@ -125,9 +127,9 @@ void addCallCommand(CLI::App& app) {
   command->add_option("--body", options->body, "JSON to POST, or @FILE to read it from FILE (@- for standard input)");
   command->add_option("--token", options->token, "Session token, sent as \"Authorization: Bearer TOKEN\"")
       ->envname("KOVI_SERVICE_TOKEN");
-  command->add_option("--timeout", options->timeoutSeconds, "Seconds before the request is given up")
-      ->check(CLI::Range(0.001, 3600.0))
-      ->capture_default_str();
+  addDurationOption(command, "--timeout", options->timeoutSeconds, "Seconds before the request is given up", 0.001,
+                    3600.0)
+      ->default_str("60");
   command->callback([options] { runCall(*options); });
 }
 

@@ -10,6 +10,7 @@
 #include "KoviKit/purrl/PurrlCatGrowthRules.h"
 #include "tools/kovi/Commands.h"
 #include "tools/kovi/Input.h"
+#include "tools/kovi/NumberOptions.h"
 
 namespace kovi::tool {
 namespace {
@@ -21,13 +22,13 @@ void addMoodCommand(CLI::App& cat) {
       "Print the cat's mood and its reason for the facts of the moment, as MOOD REASON in\n"
       "their raw values (\"happy busy_day\"). Hours outside 6 to 22 are night; petting moves\n"
       "a waking mood one step towards glowing.");
-  command->add_option("--hour", inputs->hour, "The local hour of day")->required()->check(CLI::Range(0, 23));
-  command->add_option("--things", inputs->things, "How many things the person has done today")->required();
+  addIntegerOption(command, "--hour", inputs->hour, "The local hour of day", 0, 23)->required();
+  addIntegerOption(command, "--things", inputs->things, "How many things the person has done today", 0)->required();
   command->add_flag("--petted", inputs->petted, "The person has petted the cat today");
   command->add_flag("--kept", inputs->keptRecently, "A kovi was kept recently");
   command->add_flag("--missed", inputs->missedRecently, "A kovi was missed recently");
-  command->add_option("--away-days", inputs->awayDays, "Whole days since the person last came to the cat")
-      ->capture_default_str();
+  addIntegerOption(command, "--away-days", inputs->awayDays, "Whole days since the person last came to the cat", 0)
+      ->default_str("0");
   command->callback([inputs] {
     const PurrlCatMoodResult result = PurrlCatGrowthRules::mood(*inputs);
     std::cout << enumName(result.mood) << ' ' << enumName(result.reason) << '\n';

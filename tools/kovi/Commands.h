@@ -18,6 +18,7 @@ void addRulesCommands(CLI::App& app);
 void addWalletCommands(CLI::App& app);
 void addWalletOperationCommands(CLI::App& app);
 void addWalletPasskeyCommands(CLI::App& app);
+void addWorkingSessionCommands(CLI::App& app);
 
 // The command group `name` (`evidence`, `working`, `wallet`, …), added on
 // first use, so that several files can each add their commands to one group.

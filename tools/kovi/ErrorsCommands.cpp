@@ -1,6 +1,5 @@
 // `kovi errors`: the messages users read for the service's error codes and
 // rate limits.
-#include <charconv>
 #include <cstdint>
 #include <iostream>
 #include <memory>
@@ -9,6 +8,7 @@
 #include "KoviKit/native/NativeAccountError.h"
 #include "tools/kovi/Commands.h"
 #include "tools/kovi/ErrorAreas.h"
+#include "tools/kovi/NumberOptions.h"
 
 namespace kovi::tool {
 namespace {
@@ -43,17 +43,7 @@ void addWaitCommand(CLI::App& errors) {
       "Print the sentence users read when the service asks them to wait SECONDS before\n"
       "trying again: whole minutes rounded up above 59 seconds, otherwise seconds, and\n"
       "never less than 1 second (0 and negative waits read as 1 second).");
-  command->add_option("SECONDS", *seconds, "The wait in seconds, as a 429 response gives it")
-      ->required()
-      ->check(CLI::Validator(
-          [](const std::string& text) {
-            // CLI11 alone would quietly clamp a count beyond 64 bits.
-            std::int64_t value = 0;
-            const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-            return error == std::errc() && end == text.data() + text.size() ? std::string()
-                                                                            : "expected a whole number of seconds that fits in 64 bits";
-          },
-          "INTEGER"));
+  addIntegerOption(command, "SECONDS", *seconds, "The wait in seconds, as a 429 response gives it")->required();
   command->callback([seconds] { std::cout << nativeRateLimitMessage(*seconds) << '\n'; });
 }
 

@@ -4,6 +4,7 @@
 
 #include "KoviKit/purrl/PurrlFocusMockCalendar.h"
 #include "tools/kovi/Commands.h"
+#include "tools/kovi/NumberOptions.h"
 
 namespace kovi::tool {
 namespace {
@@ -16,8 +17,8 @@ void addCanStartCommand(CLI::App& study) {
       "Say whether the next planned mock paper, planned to start --at, can be started --now:\n"
       "from 15 minutes before to one hour after the start, both ends included, and never once\n"
       "its run has started. Prints \"yes\" (exit 0) or \"no\" (exit 1).");
-  command->add_option("--now", *now, "The moment to ask about, in Unix milliseconds")->required();
-  command->add_option("--at", next->at, "The paper's planned start, in Unix milliseconds")->required();
+  addIntegerOption(command, "--now", *now, "The moment to ask about, in Unix milliseconds")->required();
+  addIntegerOption(command, "--at", next->at, "The paper's planned start, in Unix milliseconds")->required();
   command->add_flag("--started", next->started, "The paper's run has already started");
   command->callback([next, now] {
     const bool canStart = next->canStart(*now);

@@ -12,6 +12,7 @@
 #include "KoviKit/attest/SoftwarePasskeyService.h"
 #include "KoviKit/foundation/Sha256.h"
 #include "KoviKit/wallet/V6WalletOperations.h"
+#include "tools/kovi/NumberOptions.h"
 #include "tools/kovi/ServiceOrigin.h"
 #include "tools/kovi/WalletTool.h"
 
@@ -119,12 +120,10 @@ void addOperationOptions(CLI::App& command, OperationOptions& options) {
   command.add_option("--token", options.token, "Session token, sent as \"Authorization: Bearer TOKEN\"")
       ->envname("KOVI_TOKEN");
   command.add_option("--passkey", options.passkey, "The credential id to approve with; default the only passkey");
-  command.add_option("--poll-interval-ms", options.pollIntervalMs, "Milliseconds between reads while observing")
-      ->check(CLI::Range(std::int64_t{1}, std::int64_t{600'000}))
-      ->capture_default_str();
-  command.add_option("--poll-limit", options.pollLimit, "Reads while observing before giving the operation back open")
-      ->check(CLI::Range(1, 10'000))
-      ->capture_default_str();
+  addIntegerOption(&command, "--poll-interval-ms", options.pollIntervalMs,
+                   "Milliseconds between reads while observing (default 3000)", std::int64_t{1}, std::int64_t{600'000});
+  addIntegerOption(&command, "--poll-limit", options.pollLimit,
+                   "Reads while observing before giving the operation back open (default 40)", 1, 10'000);
   options.settings.addOptions(command);
 }
 

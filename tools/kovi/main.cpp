@@ -36,6 +36,7 @@ int main(int argc, char** argv) {
   kovi::tool::addWalletCommands(app);
   kovi::tool::addWalletOperationCommands(app);
   kovi::tool::addWalletPasskeyCommands(app);
+  kovi::tool::addWorkingSessionCommands(app);
 
   try {
     app.parse(argc, argv);

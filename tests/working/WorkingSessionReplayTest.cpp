@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "KoviKit/working/WorkingDesktopObserver.h"
+#include "KoviKit/working/WorkingSessionCoding.h"
+#include "KoviKit/working/WorkingSessionReplay.h"
+#include "tests/working/WorkingSessionTestSupport.h"
+#include "tests/working/WorkingTestData.h"
+
+namespace kovi {
+namespace {
+
+using nlohmann::json;
+using Type = WorkingSessionEvent::Type;
+
+json replayDocument() {
+  return {{"policy", encodeRecord(testing::sessionTestPolicy())},
+          {"sessionID", "s1"},
+          {"deviceID", "mac-1"},
+          {"events",
+           {{{"at", 0}, {"type", "start"}, {"readiness", encodeRecord(testing::allReady())}},
+            {{"at", 1000}, {"type", "passive"}, {"eligible", true}, {"continuityToken", "call"}},
+            {{"at", 2000}, {"type", "transport"}, {"state", "offlineLocal"}},
+            {{"at", 3000}, {"type", "complete"}}}}};
+}
+
+TEST(WorkingSessionReplayTest, DecodesThePolicyIdentifiersAndEveryEventKind) {
+  const auto replay = decodeWorkingSessionReplay(replayDocument().dump());
+  ASSERT_TRUE(replay.has_value()) << replay.error().message();
+  EXPECT_EQ(replay->engine.policy(), testing::sessionTestPolicy());
+  EXPECT_EQ(replay->engine.sessionID(), "s1");
+  ASSERT_EQ(replay->events.size(), 4U);
+  EXPECT_EQ(replay->events[0], testing::startEvent(0));
+  EXPECT_EQ(replay->events[1], testing::passiveEvent(1000, true, "call"));
+  EXPECT_EQ(replay->events[2], testing::transportEvent(2000, WorkingTransportState::offlineLocal));
+  EXPECT_EQ(replay->events[3], testing::sessionEvent(3000, Type::complete));
+}
+
+TEST(WorkingSessionReplayTest, RefusesDocumentsNamingWhereAndWhy) {
+  const struct {
+    const char* name;
+    void (*edit)(json&);
+    const char* message;
+  } cases[] = {
+      {"both rules and policy", [](json& d) { d["rules"] = json::object(); },
+       "exactly one of \"rules\" and \"policy\" is required"},
+      {"an unknown top-level key", [](json& d) { d["note"] = 1; }, "note: unknown key"},
+      {"a session identifier with a space", [](json& d) { d["sessionID"] = "s 1"; },
+       "sessionID: expected 1 to 128 letters, digits or _.:-"},
+      {"an unknown event type", [](json& d) { d["events"][1]["type"] = "nap"; }, "events[1].type: unknown value \"nap\""},
+      {"a key that belongs to another event type", [](json& d) { d["events"][3]["state"] = "online"; },
+       "events[3].state: unknown key"},
+      {"a fractional instant", [](json& d) { d["events"][2]["at"] = 1.5; }, "events[2].at: expected an integer, found a number"},
+      {"a readiness missing a flag", [](json& d) { d["events"][0]["readiness"].erase("serverLease"); },
+       "events[0].readiness.serverLease: missing key"},
+      {"a policy the engine refuses", [](json& d) { d["policy"]["resumeDebounceMS"] = 0; },
+       "policy: the session engine refuses this policy"},
+  };
+  for (const auto& refused : cases) {
+    SCOPED_TRACE(refused.name);
+    json document = replayDocument();
+    refused.edit(document);
+    const auto replay = decodeWorkingSessionReplay(document.dump());
+    ASSERT_FALSE(replay.has_value());
+    EXPECT_EQ(replay.error().message(), refused.message);
+  }
+}
+
+TEST(WorkingSessionReplayTest, DerivesTheSessionPolicyFromTheRules) {
+  const auto policy = WorkingSessionPolicy::fromRules(testing::workingRules("daily-rules.json"));
+  ASSERT_TRUE(policy.has_value());
+  EXPECT_EQ(policy->idleThresholdMS, 300'000);
+  EXPECT_FALSE(policy->allowsIdleDisabled);  // standard strictness
+  EXPECT_EQ(policy->resumeDebounceMS, 10'000);
+  EXPECT_EQ(policy->resumeMaximumInputGapMS, 10'000);  // the debounce is shorter than the heartbeat
+  EXPECT_EQ(policy->maximumObservationGapMS, (60 + 86'400) * 1000);
+  EXPECT_TRUE(policy->requiresAppBlocking);
+  EXPECT_FALSE(policy->requiresWebsiteBlocking);
+  EXPECT_FALSE(policy->requiresPhoneProtection);  // the iPhone is auxiliary
+  EXPECT_TRUE(policy->requiresServerLease);        // funded
+  EXPECT_FALSE(policy->passiveIdleThresholdMS.has_value());
+
+  auto phone = testing::decodeEdited("daily-rules.json", [](json& rules) {
+    rules["blocking"]["iphone"]["apps"] = {{"mode", "blocklist"}, {"required", true}};
+    rules["blocking"]["iphoneEnforcement"] = "required";
+  });
+  ASSERT_TRUE(phone.has_value()) << phone.error().reason;
+  EXPECT_TRUE(WorkingSessionPolicy::fromRules(*phone)->requiresPhoneProtection);
+
+  auto strictWithoutIdle = testing::decodeEdited("daily-rules.json", [](json& rules) {
+    rules["verification"]["strictness"] = "strict";
+    rules["verification"]["idleThresholdSeconds"] = nullptr;
+  });
+  ASSERT_TRUE(strictWithoutIdle.has_value()) << strictWithoutIdle.error().reason;
+  EXPECT_EQ(WorkingSessionPolicy::fromRules(*strictWithoutIdle).error().kind, WorkingSessionError::Kind::invalidPolicy);
+}
+
+TEST(WorkingSessionReplayTest, DesktopReadingsBecomeReadinessActivityAndSleep) {
+  WorkingDesktopObserver observer;
+  const WorkingDesktopReading ready{5'000, true, false, false};
+  const auto first = observer.observe(ready, 100'000);
+  ASSERT_EQ(first.size(), 1U);
+  EXPECT_EQ(first[0].type, Type::readiness);
+  EXPECT_EQ(first[0].readiness, (WorkingSessionReadiness{true, true, true, false, false, false, false}));
+  // Idle time grew with the clock: no new input.
+  EXPECT_EQ(observer.observe({5'500, true, false, false}, 100'500)[0].type, Type::tick);
+  // Idle time fell: input since the last reading.
+  EXPECT_EQ(observer.observe({100, true, false, false}, 101'000)[0].type, Type::activity);
+  const auto asleep = observer.observe({200, true, false, true}, 101'100);
+  ASSERT_EQ(asleep.size(), 1U);
+  EXPECT_EQ(asleep[0].type, Type::sleep);
+  EXPECT_EQ(observer.observe({300, true, false, false}, 101'200)[0].type, Type::wake);
+  // A lock that logind cannot report counts as locked.
+  const auto unknown = observer.observe({400, true, std::nullopt, false}, 101'300);
+  EXPECT_EQ(unknown[0].type, Type::readiness);
+  EXPECT_FALSE(unknown[0].readiness.deviceUnlocked);
+}
+
+}  // namespace
+}  // namespace kovi
