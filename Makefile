@@ -1,5 +1,5 @@
 # Front door. `make run` and `make test` are all a fresh machine needs.
-.PHONY: deps run test bench dev fuzz clean
+.PHONY: deps run test bench dev fuzz clean package run-wayland
 
 BUILD_JOBS ?= $(shell nproc)
 
@@ -11,6 +11,19 @@ run: deps
 	@cmake --preset release >/dev/null
 	@cmake --build --preset release -j $(BUILD_JOBS)
 	@scripts/run-demo build/release
+
+# The same demo on a private Wayland desktop (headless sway), saving
+# build/demo/shield-wayland.png.
+run-wayland: deps
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release -j $(BUILD_JOBS) --target kovi-holds
+	@scripts/run-demo-wayland build/release
+
+# The agent as a Debian package: build/release/kovi-holds_<version>_amd64.deb.
+package: deps
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release -j $(BUILD_JOBS) --target kovi-holds
+	@cd build/release && cpack -G DEB
 
 # What CI runs: warnings are errors, then the whole suite; ctest's summary is last.
 test: deps

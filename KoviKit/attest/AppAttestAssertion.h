@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "KoviKit/foundation/JsonRecordCoding.h"
+
 namespace kovi {
 
 // What the device key returns for one client-data hash: the authenticator
@@ -14,6 +16,12 @@ struct AppAttestAssertion {
   std::vector<std::uint8_t> authenticatorData;
   std::vector<std::uint8_t> signature;
   bool operator==(const AppAttestAssertion&) const = default;
+};
+
+template <>
+struct JsonRecordFields<AppAttestAssertion> : StrictJsonRecord {
+  static constexpr auto fields = std::tuple{field("authenticatorData", &AppAttestAssertion::authenticatorData),
+                                            field("signature", &AppAttestAssertion::signature)};
 };
 
 // The single-string form in which records that carry a `signature` string

@@ -86,6 +86,17 @@ std::expected<openssl::Pkey, std::string> loadKey(const std::filesystem::path& d
 
 }  // namespace
 
+std::expected<std::shared_ptr<EVP_PKEY>, std::string> SoftwareDeviceKeyService::loadedKey(
+    std::string_view keyId) const {
+  std::scoped_lock lock(loadedMutex_);
+  if (const auto found = loaded_.find(keyId); found != loaded_.end()) return found->second;
+  auto key = loadKey(keyDirectory_, keyId);
+  if (!key) return std::unexpected(key.error());
+  std::shared_ptr<EVP_PKEY> shared(key->release(), EVP_PKEY_free);
+  loaded_.emplace(std::string(keyId), shared);
+  return shared;
+}
+
 std::expected<std::string, AppAttestError> SoftwareDeviceKeyService::generateKey() {
   openssl::Pkey key(EVP_EC_gen("P-256"));
   if (!key) return std::unexpected(failure("attestation_failed", "cannot generate a P-256 key"));
@@ -108,7 +119,7 @@ std::expected<std::string, AppAttestError> SoftwareDeviceKeyService::generateKey
 
 std::expected<std::vector<std::uint8_t>, AppAttestError> SoftwareDeviceKeyService::publicKey(
     std::string_view keyId) const {
-  auto key = loadKey(keyDirectory_, keyId);
+  auto key = loadedKey(keyId);
   if (!key) return std::unexpected(failure("attestation_failed", key.error()));
   auto der = p256PublicKeyDer(key->get());
   if (!der) return std::unexpected(failure("attestation_failed", der.error()));
@@ -117,7 +128,7 @@ std::expected<std::vector<std::uint8_t>, AppAttestError> SoftwareDeviceKeyServic
 
 std::expected<std::vector<std::uint8_t>, AppAttestError> SoftwareDeviceKeyService::attestKey(
     std::string_view keyId, const Sha256Digest& clientDataHash) {
-  auto key = loadKey(keyDirectory_, keyId);
+  auto key = loadedKey(keyId);
   if (!key) return std::unexpected(failure("attestation_failed", key.error()));
   auto der = p256PublicKeyDer(key->get());
   if (!der) return std::unexpected(failure("attestation_failed", der.error()));
@@ -138,7 +149,7 @@ std::expected<std::vector<std::uint8_t>, AppAttestError> SoftwareDeviceKeyServic
 
 std::expected<AppAttestAssertion, AppAttestError> SoftwareDeviceKeyService::generateAssertion(
     std::string_view keyId, const Sha256Digest& clientDataHash) {
-  auto key = loadKey(keyDirectory_, keyId);
+  auto key = loadedKey(keyId);
   if (!key) return std::unexpected(failure("assertion_failed", key.error()));
 
   std::scoped_lock processLock(assertionMutex_);

@@ -3,12 +3,16 @@
 #include <cstdint>
 #include <expected>
 #include <filesystem>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "KoviKit/attest/DeviceKeyService.h"
+
+struct evp_pkey_st;
 
 namespace kovi {
 
@@ -49,10 +53,16 @@ class SoftwareDeviceKeyService final : public DeviceKeyService {
   const std::filesystem::path& keyDirectory() const { return keyDirectory_; }
 
  private:
+  // The private key of `keyId`, read and checked once, then kept: signing
+  // should cost a signature, not a file read and a key check.
+  std::expected<std::shared_ptr<evp_pkey_st>, std::string> loadedKey(std::string_view keyId) const;
+
   std::filesystem::path keyDirectory_;
   std::string appIdentity_;
   // Serialises assertions within the process; the lock file does it across processes.
   std::mutex assertionMutex_;
+  mutable std::mutex loadedMutex_;
+  mutable std::map<std::string, std::shared_ptr<evp_pkey_st>, std::less<>> loaded_;
 };
 
 }  // namespace kovi

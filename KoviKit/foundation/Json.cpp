@@ -1,5 +1,7 @@
 #include "KoviKit/foundation/Json.h"
 
+#include "KoviKit/foundation/Base64.h"
+
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -238,6 +240,14 @@ Decoded<double> JsonDecoder<double>::decode(const JsonView& json) {
 Decoded<std::string> JsonDecoder<std::string>::decode(const JsonView& json) {
   if (!json.json().is_string()) return std::unexpected(wrongType(json, "a string"));
   return json.json().get<std::string>();
+}
+
+Decoded<std::vector<std::uint8_t>> JsonDecoder<std::vector<std::uint8_t>>::decode(const JsonView& json) {
+  auto text = json.as<std::string>();
+  if (!text) return std::unexpected(text.error());
+  auto bytes = base64Decode(*text);
+  if (!bytes) return std::unexpected(json.error("expected canonical base64"));
+  return std::move(*bytes);
 }
 
 }  // namespace kovi

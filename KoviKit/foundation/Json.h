@@ -198,6 +198,13 @@ struct JsonDecoder<std::vector<T>> {
   }
 };
 
+// Bytes travel as canonical padded base64 text (keys, signatures,
+// attestation objects); any other spelling is refused.
+template <>
+struct JsonDecoder<std::vector<std::uint8_t>> {
+  static Decoded<std::vector<std::uint8_t>> decode(const JsonView& json);
+};
+
 template <NamedEnum E>
 struct JsonDecoder<E> {
   static Decoded<E> decode(const JsonView& json) {

@@ -13,7 +13,8 @@
 // Decoding requires every non-optional key, reads an absent or null optional
 // as no value and stops at the first failing field, whose key path the error
 // names. Encoding writes the keys in declared order. A `Date` travels as
-// floating seconds since 2001-01-01T00:00:00Z, its JSON form throughout.
+// floating seconds since 2001-01-01T00:00:00Z, its JSON form throughout, and
+// bytes (`std::vector<std::uint8_t>`) as canonical padded base64.
 // A record that extends another lists the base record's fields first
 // (`std::tuple_cat` of the base's list and its own).
 //
@@ -25,7 +26,9 @@
 //   static Decoded<void> validate(const WalkingKoviRules& rules, const JsonView& json);
 
 #include <cmath>
+#include <charconv>
 #include <concepts>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -35,6 +38,7 @@
 #include <utility>
 #include <vector>
 
+#include "KoviKit/foundation/Base64.h"
 #include "KoviKit/foundation/Json.h"
 #include "KoviKit/foundation/Time.h"
 
@@ -94,10 +98,52 @@ inline constexpr bool isVector = false;
 template <class T>
 inline constexpr bool isVector<std::vector<T>> = true;
 
+// Maps travel as JSON objects; a key is the map's string key or, for an
+// integral key, its decimal digits with no sign, padding or spaces ("0", "12").
+template <class T>
+inline constexpr bool isMap = false;
+template <class K, class V>
+inline constexpr bool isMap<std::map<K, V>> = true;
+
+template <class Key>
+std::optional<Key> mapKey(const std::string& text) {
+  if constexpr (std::is_same_v<Key, std::string>) {
+    return text;
+  } else {
+    static_assert(std::is_integral_v<Key>, "map keys are strings or integers");
+    Key key{};
+    const char* end = text.data() + text.size();
+    if (text.empty() || (text.size() > 1 && text.front() == '0')) return std::nullopt;
+    const auto parsed = std::from_chars(text.data(), end, key);
+    if (parsed.ec != std::errc() || parsed.ptr != end || text.front() == '-') return std::nullopt;
+    return key;
+  }
+}
+
+template <class T>
+Decoded<T> decodeValue(const JsonView& json);
+
+template <class Map>
+Decoded<Map> decodeMap(const JsonView& json) {
+  if (auto object = json.requireObject(); !object) return std::unexpected(object.error());
+  Map map;
+  for (const auto& [text, item] : json.json().items()) {
+    const JsonView child = json.child(text, item);
+    auto key = mapKey<typename Map::key_type>(text);
+    if (!key) return std::unexpected(child.error("not a valid key"));
+    auto value = decodeValue<typename Map::mapped_type>(child);
+    if (!value) return std::unexpected(value.error());
+    map.emplace(std::move(*key), std::move(*value));
+  }
+  return map;
+}
+
 template <class T>
 Decoded<T> decodeValue(const JsonView& json) {
   if constexpr (std::is_same_v<T, nlohmann::json>) {
     return json.json();
+  } else if constexpr (isMap<T>) {
+    return decodeMap<T>(json);
   } else if constexpr (std::is_same_v<T, Date>) {
     // Far enough for any real instant, near enough that the instant still
     // converts to Unix milliseconds.
@@ -228,10 +274,22 @@ nlohmann::ordered_json encodeValue(const Value& value) {
     return nlohmann::ordered_json(value);
   } else if constexpr (json_record::isOptional<Value>) {
     return value ? encodeValue(*value) : nlohmann::ordered_json(nullptr);
+  } else if constexpr (std::is_same_v<Value, std::vector<std::uint8_t>>) {
+    return base64Encode(value);
   } else if constexpr (json_record::isVector<Value>) {
     nlohmann::ordered_json array = nlohmann::ordered_json::array();
     for (const auto& item : value) array.push_back(encodeValue(item));
     return array;
+  } else if constexpr (json_record::isMap<Value>) {
+    nlohmann::ordered_json object = nlohmann::ordered_json::object();
+    for (const auto& [key, item] : value) {
+      if constexpr (std::is_same_v<typename Value::key_type, std::string>) {
+        object[key] = encodeValue(item);
+      } else {
+        object[std::to_string(key)] = encodeValue(item);
+      }
+    }
+    return object;
   } else {
     return nlohmann::ordered_json(value);
   }

@@ -1,6 +1,5 @@
 #include "KoviKit/working/WorkingCheckpoint.h"
 
-#include "KoviKit/foundation/Sha256.h"
 
 namespace kovi {
 
@@ -34,8 +33,12 @@ std::string workingCheckpointCanonicalJson(const WorkingCheckpoint& checkpoint) 
   return writer.take();
 }
 
+Sha256Digest workingCheckpointDigest(const WorkingCheckpoint& checkpoint) {
+  return sha256(workingCheckpointCanonicalJson(checkpoint));
+}
+
 std::string workingCheckpointHash(const WorkingCheckpoint& checkpoint) {
-  return sha256Hex(workingCheckpointCanonicalJson(checkpoint));
+  return lowercaseHex(workingCheckpointDigest(checkpoint));
 }
 
 }  // namespace kovi

@@ -8,6 +8,7 @@
 
 #include "KoviKit/foundation/CanonicalJsonWriter.h"
 #include "KoviKit/foundation/JsonRecordCoding.h"
+#include "KoviKit/foundation/Sha256.h"
 #include "KoviKit/foundation/Time.h"
 #include "KoviKit/working/WorkingTimeSegment.h"
 
@@ -48,11 +49,14 @@ inline constexpr std::string_view kWorkingCheckpointGenesisHash =
     "0000000000000000000000000000000000000000000000000000000000000000";
 
 // Writes the checkpoint's canonical JSON: keys in declared order, no
-// whitespace, integers bare, minimal escapes.
+// whitespace, integers bare, minimal escapes. The same bytes as the generic
+// canonical writer makes of the record's JSON, written straight from the
+// record because verifying a chain hashes every checkpoint in it.
 void writeCanonicalJson(CanonicalJsonWriter& writer, const WorkingCheckpoint& checkpoint);
 std::string workingCheckpointCanonicalJson(const WorkingCheckpoint& checkpoint);
-// Lowercase hex SHA-256 of the canonical JSON: what the next checkpoint's
-// `previousHash` names.
+// SHA-256 of the canonical JSON, and its lowercase hex: what the next
+// checkpoint's `previousHash` names.
+Sha256Digest workingCheckpointDigest(const WorkingCheckpoint& checkpoint);
 std::string workingCheckpointHash(const WorkingCheckpoint& checkpoint);
 
 // Checkpoints are hashed, so their documents are strict: exactly the listed

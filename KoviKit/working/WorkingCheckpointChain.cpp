@@ -31,6 +31,19 @@ std::string segmentProblem(const WorkingCheckpoint& checkpoint, UnixMillis spanS
   return {};
 }
 
+// Whether `hash` is the lowercase hex of `digest`, compared in place: the
+// chain compares one link a checkpoint and spares each a hex string.
+bool isHexOf(std::string_view hash, const Sha256Digest& digest) {
+  static constexpr char digits[] = "0123456789abcdef";
+  if (hash.size() != 2 * digest.size()) return false;
+  for (std::size_t index = 0; index < digest.size(); ++index) {
+    if (hash[2 * index] != digits[digest[index] >> 4] || hash[2 * index + 1] != digits[digest[index] & 0x0f]) {
+      return false;
+    }
+  }
+  return true;
+}
+
 }  // namespace
 
 WorkingCheckpointChainReport verifyWorkingCheckpointChain(std::span<const WorkingCheckpoint> checkpoints) {
@@ -41,7 +54,7 @@ WorkingCheckpointChainReport verifyWorkingCheckpointChain(std::span<const Workin
   for (const WorkingCheckpoint& checkpoint : checkpoints) chain.push_back(&checkpoint);
   std::ranges::stable_sort(chain, {}, &WorkingCheckpoint::sequence);
 
-  std::string expectedPrevious(kWorkingCheckpointGenesisHash);
+  Sha256Digest previousDigest{};
   const WorkingCheckpoint* previous = nullptr;
   std::int64_t accepted = 0;
   std::optional<UnixMillis> through;
@@ -67,7 +80,9 @@ WorkingCheckpointChainReport verifyWorkingCheckpointChain(std::span<const Workin
         return broken(checkpoint.sequence, "its clock runs backwards");
       }
     }
-    if (checkpoint.previousHash != expectedPrevious) {
+    const bool linked = previous == nullptr ? checkpoint.previousHash == kWorkingCheckpointGenesisHash
+                                            : isHexOf(checkpoint.previousHash, previousDigest);
+    if (!linked) {
       return broken(checkpoint.sequence, previous == nullptr
                                              ? "previousHash is not the chain's starting hash"
                                              : "previousHash does not match the hash of the checkpoint before");
@@ -83,7 +98,7 @@ WorkingCheckpointChainReport verifyWorkingCheckpointChain(std::span<const Workin
       }
       through = segment.end;
     }
-    expectedPrevious = workingCheckpointHash(checkpoint);
+    previousDigest = workingCheckpointDigest(checkpoint);
     previous = &checkpoint;
   }
   if (previous->final) return {Status::verified, std::string(kWorkingChainVerifiedMessage), accepted, through, {}, {}};

@@ -31,6 +31,7 @@
 #include <vector>
 
 #include "KoviMacHolds/platform/x11/demo/PrivateDesktop.h"
+#include "bench/holds_agent/HoldsAgentMeasures.h"
 
 namespace {
 
@@ -202,44 +203,12 @@ void BM_PlainActivation(benchmark::State& state) {
 BENCHMARK(BM_HeldWindowActivationToHidden)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(200);
 BENCHMARK(BM_PlainActivation)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(200);
 
-double percentile(std::vector<double> values, double fraction) {
-  if (values.empty()) return 0;
-  std::ranges::sort(values);
-  const auto index = static_cast<std::size_t>(fraction * static_cast<double>(values.size() - 1) + 0.5);
-  return values[index];
-}
-
-// CPU seconds a process has run, from /proc/PID/schedstat (nanoseconds on a
-// CPU), precise enough for an agent that wakes every 5 seconds.
-double cpuSeconds(pid_t pid) {
-  std::ifstream in("/proc/" + std::to_string(pid) + "/schedstat");
-  unsigned long long nanoseconds = 0;
-  in >> nanoseconds;
-  return static_cast<double>(nanoseconds) / 1e9;
-}
-
-// Resident set size in MB, from /proc/PID/status.
-double residentMB(pid_t pid) {
-  std::ifstream in("/proc/" + std::to_string(pid) + "/status");
-  std::string line;
-  while (std::getline(in, line)) {
-    if (line.rfind("VmRSS:", 0) == 0) return std::stod(line.substr(6)) / 1024;
-  }
-  return 0;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  int idleSeconds = 60;
+  using namespace kovi::holds::bench;
   std::vector<char*> arguments;
-  for (int index = 0; index < argc; ++index) {
-    if (std::strcmp(argv[index], "--idle-seconds") == 0 && index + 1 < argc) {
-      idleSeconds = std::atoi(argv[++index]);
-    } else {
-      arguments.push_back(argv[index]);
-    }
-  }
+  const int idleSeconds = takeIdleSeconds(argc, argv, arguments);
   int count = static_cast<int>(arguments.size());
   benchmark::Initialize(&count, arguments.data());
 
@@ -265,25 +234,9 @@ int main(int argc, char** argv) {
       },
       kSettle);
   const pid_t agent = stage.agent->pid(), standIn = stage.discord->pid();
-  const double agentBefore = cpuSeconds(agent), standInBefore = cpuSeconds(standIn);
-  std::this_thread::sleep_for(std::chrono::seconds(idleSeconds));
-  const double agentPercent = (cpuSeconds(agent) - agentBefore) / idleSeconds * 100;
-  const double standInPercent = (cpuSeconds(standIn) - standInBefore) / idleSeconds * 100;
-  std::printf("idle CPU over %d s with a hold in force: agent %.4f%% of a core (target < 0.1%%), idle Xlib client %.4f%%\n",
-              idleSeconds, agentPercent, standInPercent);
-  if (standInPercent > 0) {
-    std::printf("ratio: agent idle CPU / idle Xlib client = %.1fx\n", agentPercent / standInPercent);
-  } else {
-    std::printf("ratio: agent idle CPU / idle Xlib client: the client used no measurable CPU (%.1f ms for the agent)\n",
-                agentPercent * idleSeconds * 10);
-  }
-
+  reportIdleCpu(agent, standIn, "idle Xlib client", idleSeconds);
   const auto shields = stage.desktop->clientsOfClass("KoviHolds");
-  const bool shieldUp = !shields.empty() && stage.desktop->isViewable(shields.front());
-  const double agentMB = residentMB(agent), standInMB = residentMB(standIn);
-  std::printf("resident memory with the shield %s: agent %.1f MB (target < 25 MB), idle Xlib client %.1f MB\n",
-              shieldUp ? "shown" : "NOT shown", agentMB, standInMB);
-  std::printf("ratio: agent RSS / idle Xlib client RSS = %.1fx\n", agentMB / standInMB);
+  reportMemory(agent, standIn, "idle Xlib client", !shields.empty() && stage.desktop->isViewable(shields.front()));
 
   stage.agent.reset();
   stage.discord.reset();

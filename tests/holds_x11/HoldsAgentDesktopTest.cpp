@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "KoviMacHolds/platform/x11/CairoShieldPainter.h"
+#include "KoviMacHolds/platform/linux/CairoShieldPainter.h"
 #include "tests/holds_x11/HoldsDesktopFixture.h"
 
 namespace kovi::holds::x11::testing {
@@ -79,7 +79,7 @@ class ShieldButtonsTest : public HoldsDesktopTest {
   std::pair<int, int> buttonCentre(Window shield, std::size_t index) {
     const MacHoldsShieldView view{.due = MacHoldsDue::sleep(Date::now()), .appName = "Discord", .openKovi = {},
                                   .back = {}, .catStage = std::nullopt};
-    const auto layout = CairoShieldPainter(PurrlFontStore()).layout(view, Calendar::current());
+    const auto layout = desktop::CairoShieldPainter(PurrlFontStore()).layout(view, Calendar::current());
     const auto& frame = layout.buttons[index].frame;
     const auto [x, y] = desktop->screenPosition(shield);
     return {x + static_cast<int>(frame.x + frame.width / 2), y + static_cast<int>(frame.y + frame.height / 2)};

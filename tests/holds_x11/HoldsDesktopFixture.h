@@ -8,14 +8,13 @@
 #include <vector>
 
 #include "KoviMacHolds/platform/x11/demo/PrivateDesktop.h"
+#include "tests/holds_x11/HoldsSnapshotNow.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace kovi::holds::x11::testing {
 
-// What the agent should hold for the length of a test, laid out around the
-// current time of day (the agent runs in UTC).
-enum class HoldNow { sleep, study };
-std::string snapshotHoldingNow(HoldNow hold);
+using holds::testing::HoldNow;
+using holds::testing::snapshotHoldingNow;
 
 // A private desktop with the agent's data and runtime directories, stand-in
 // applications and the agent itself, all stopped when the test ends.

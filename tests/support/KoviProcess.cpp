@@ -23,15 +23,7 @@ std::string contents(const std::filesystem::path& file) {
   return text.str();
 }
 
-}  // namespace
-
-KoviRun runKovi(const std::vector<std::string>& arguments) {
-  // Output goes to files rather than pipes, so a chatty child can never block
-  // on a pipe nobody reads yet.
-  const TemporaryDirectory directory;
-  const std::string outPath = (directory.path() / "out").string();
-  const std::string errPath = (directory.path() / "err").string();
-
+pid_t spawnKovi(const std::vector<std::string>& arguments, const std::string& outPath, const std::string& errPath) {
   std::vector<std::string> argv{KOVI_TOOL_PATH};
   argv.insert(argv.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
@@ -47,6 +39,20 @@ KoviRun runKovi(const std::vector<std::string>& arguments) {
   const int spawned = posix_spawn(&child, pointers.front(), &actions, nullptr, pointers.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   if (spawned != 0) throw std::runtime_error("cannot start " + argv.front());
+  return child;
+}
+
+}  // namespace
+
+int startKovi(const std::vector<std::string>& arguments) { return spawnKovi(arguments, "/dev/null", "/dev/null"); }
+
+KoviRun runKovi(const std::vector<std::string>& arguments) {
+  // Output goes to files rather than pipes, so a chatty child can never block
+  // on a pipe nobody reads yet.
+  const TemporaryDirectory directory;
+  const std::string outPath = (directory.path() / "out").string();
+  const std::string errPath = (directory.path() / "err").string();
+  const pid_t child = spawnKovi(arguments, outPath, errPath);
 
   int status = 0;
   if (waitpid(child, &status, 0) != child) throw std::runtime_error("lost the kovi process");

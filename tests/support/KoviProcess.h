@@ -15,4 +15,8 @@ struct KoviRun {
 // waits for it.
 KoviRun runKovi(const std::vector<std::string>& arguments);
 
+// Starts the built `kovi` with `arguments` without waiting, its output
+// discarded, and returns its process id: for tests that stop it halfway.
+int startKovi(const std::vector<std::string>& arguments);
+
 }  // namespace kovi::testing

@@ -8,6 +8,7 @@
 #include "KoviKit/foundation/Json.h"
 #include "KoviKit/foundation/Sha256.h"
 #include "KoviKit/working/WorkingCheckpointChain.h"
+#include "tests/working/WorkingTestData.h"
 
 namespace kovi {
 namespace {
@@ -55,6 +56,9 @@ TEST(WorkingCheckpointTest, HashIsSha256OfTheCanonicalText) {
   // The record's JSON coding writes the same bytes, so a decoded file hashes
   // as the writer hashed it.
   EXPECT_EQ(encodeRecord(checkpoint).dump(), canonical);
+  CanonicalJsonWriter generic;
+  ASSERT_TRUE(writeCanonicalJson(generic, encodeRecord(checkpoint)).has_value());
+  EXPECT_EQ(generic.text(), canonical);
   EXPECT_EQ(workingCheckpointHash(checkpoint).size(), 64u);
   EXPECT_EQ(workingCheckpointHash(checkpoint), sha256Hex(canonical));
   checkpoint.segments[0].end = 8;
@@ -134,6 +138,17 @@ TEST(WorkingCheckpointChainTest, ChainsAreJudgedAsAWhole) {
       EXPECT_EQ(report.through, kChainEnd);
     }
   }
+}
+
+// checkpoints.json was linked by a separate script (its own JSON writer and
+// SHA-256), so this holds the canonical form to an outside reading of it.
+TEST(WorkingCheckpointChainTest, ChainLinkedElsewhereVerifies) {
+  const auto chain = decodeJsonText<std::vector<WorkingCheckpoint>>(testing::workingDataFile("checkpoints.json"));
+  ASSERT_TRUE(chain.has_value()) << chain.error().message();
+  const auto report = verifyWorkingCheckpointChain(*chain);
+  EXPECT_EQ(report.status, Status::verified) << report.reason;
+  EXPECT_EQ(report.acceptedMS, (25 + 22 + 25) * 60'000);
+  EXPECT_EQ(report.through, 1'780'000'000'000 + 80 * 60'000);
 }
 
 TEST(WorkingCheckpointChainTest, StatusTexts) {

@@ -67,7 +67,7 @@ void print(const nlohmann::ordered_json& document) {
 }
 
 void runCall(const CallOptions& options) {
-  auto origin = configuredServiceOrigin();
+  auto origin = configuredOrigin();
   if (!origin) return refuse(origin.error());
   std::optional<std::string> body;
   if (options.body) {

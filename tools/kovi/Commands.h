@@ -18,7 +18,10 @@ void addRulesCommands(CLI::App& app);
 void addWalletCommands(CLI::App& app);
 void addWalletOperationCommands(CLI::App& app);
 void addWalletPasskeyCommands(CLI::App& app);
+void addEvidenceReadCommands(CLI::App& app);
+void addWorkingRecordCommands(CLI::App& app);
 void addWorkingSessionCommands(CLI::App& app);
+void addEvidenceSubmissionCommands(CLI::App& app);
 
 // The command group `name` (`evidence`, `working`, `wallet`, …), added on
 // first use, so that several files can each add their commands to one group.

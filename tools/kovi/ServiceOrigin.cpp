@@ -3,9 +3,13 @@
 #include <cstdlib>
 
 namespace kovi::tool {
+namespace {
 
-std::expected<NativeServiceOrigin, std::string> configuredServiceOrigin() {
-  constexpr const char* kOriginVariable = "KOVI_SERVICE_ORIGIN";
+constexpr const char* kOriginVariable = "KOVI_SERVICE_ORIGIN";
+
+}  // namespace
+
+std::expected<NativeServiceOrigin, std::string> configuredOrigin() {
   const char* value = std::getenv(kOriginVariable);
   if (value == nullptr || *value == '\0') {
     return std::unexpected(std::string(kOriginVariable) +

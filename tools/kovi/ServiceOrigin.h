@@ -7,8 +7,7 @@
 
 namespace kovi::tool {
 
-// The service every command that calls it talks to: $KOVI_SERVICE_ORIGIN,
-// checked. The error says what to set or what is wrong.
-std::expected<NativeServiceOrigin, std::string> configuredServiceOrigin();
+// The service origin from $KOVI_SERVICE_ORIGIN; the error says what to set.
+std::expected<NativeServiceOrigin, std::string> configuredOrigin();
 
 }  // namespace kovi::tool

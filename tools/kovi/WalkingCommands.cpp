@@ -11,59 +11,12 @@
 #include "KoviKit/evidence/WalkingEvidenceEvaluation.h"
 #include "KoviKit/evidence/WalkingRuleDescription.h"
 #include "tools/kovi/Commands.h"
-#include "tools/kovi/Input.h"
+#include "tools/kovi/WalkingInput.h"
 
 namespace kovi::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-// Reports a problem with the command's input and ends it with status 2.
-void refuseInput(const std::string& reason) {
-  std::cerr << "kovi: " << reason << '\n';
-  exitStatus() = 2;
-}
-
-template <class T>
-std::optional<T> decodeFile(const std::string& path) {
-  const auto text = readInput(path);
-  if (!text) {
-    refuseInput(text.error());
-    return std::nullopt;
-  }
-  auto decoded = decodeJsonText<T>(*text);
-  if (!decoded) {
-    refuseInput(path + ": " + decoded.error().message());
-    return std::nullopt;
-  }
-  return std::move(*decoded);
-}
-
-// A TIME option: ISO 8601 with an offset, kept as Unix milliseconds.
-CLI::Option* addInstantOption(CLI::App* command, const std::string& name, std::optional<UnixMillis>& target,
-                              const std::string& description) {
-  return command
-      ->add_option_function<std::string>(
-          name,
-          [&target](const std::string& text) {
-            target = parseInstant(text);
-            if (!target) throw CLI::ValidationError("\"" + text + "\" is not an ISO 8601 instant with an offset");
-          },
-          description + " (ISO 8601 with an offset, e.g. 2026-05-04T14:37:00+03:00)")
-      ->type_name("TIME");
-}
-
-// The kovi's windows: the rules' own `dayWindows` when they verify, else the
-// derived ones. Prints the issues and ends with status 1 when they cannot.
-std::optional<std::vector<HealthEvidenceDayWindow>> windowsOf(const WalkingKoviRules& rules, UnixMillis start) {
-  const auto review = WalkingDayWindowVerifier::review(rules, start, WalkingDayWindowVerifier::serverWindows(rules));
-  auto windows = review.windowsForEvidence();
-  if (windows) return std::move(*windows);
-  std::cerr << "kovi: the rules yield no usable day windows (" << enumName(review.verdict) << ")\n";
-  for (const std::string& issue : review.issues) std::cerr << "  " << issue << '\n';
-  exitStatus() = 1;
-  return std::nullopt;
-}
 
 Json windowJson(const HealthEvidenceDayWindow& window) {
   return {{"day", window.day}, {"start", window.start}, {"end", window.end}};

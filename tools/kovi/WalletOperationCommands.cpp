@@ -56,7 +56,7 @@ void printOutcome(const WalletCeremonyOutcome& outcome) {
 // outcome. Exit 0 only when `succeeded` says so.
 template <class Act>
 void withOperations(const OperationOptions& options, Act act) {
-  auto origin = configuredServiceOrigin();
+  auto origin = configuredOrigin();
   if (!origin) return refuseWalletInput(origin.error());
   auto party = options.settings.relyingParty();
   if (!party) return refuseWalletInput(party.error());

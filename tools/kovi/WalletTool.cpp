@@ -27,7 +27,7 @@ void WalletToolSettings::addOptions(CLI::App& command) {
 std::expected<PasskeyRelyingParty, std::string> WalletToolSettings::relyingParty() const {
   PasskeyRelyingParty party{relyingPartyId, passkeyOrigin};
   if (party.id.empty() || party.origin.empty()) {
-    auto service = configuredServiceOrigin();
+    auto service = configuredOrigin();
     if (!service) return std::unexpected("no --rp-id and --passkey-origin, and " + service.error());
     if (party.id.empty()) party.id = hostOf(service->url());
     if (party.origin.empty()) party.origin = service->url();

@@ -36,7 +36,10 @@ int main(int argc, char** argv) {
   kovi::tool::addWalletCommands(app);
   kovi::tool::addWalletOperationCommands(app);
   kovi::tool::addWalletPasskeyCommands(app);
+  kovi::tool::addEvidenceReadCommands(app);
+  kovi::tool::addWorkingRecordCommands(app);
   kovi::tool::addWorkingSessionCommands(app);
+  kovi::tool::addEvidenceSubmissionCommands(app);
 
   try {
     app.parse(argc, argv);

@@ -75,6 +75,7 @@ void X11ShieldPanel::setContent(MacHoldsShieldView view) {
   setUtf8Property(display_, window_, display_.atoms().netWmName, title);
 
   layout_ = painter_.layout(view, clock_.calendar());
+  buttons_.setContent(view, layout_);
   view_ = std::move(view);
   const int width = static_cast<int>(std::ceil(layout_.size.width));
   const int height = static_cast<int>(std::ceil(layout_.size.height));
@@ -125,7 +126,7 @@ void X11ShieldPanel::orderOut() {
   if (!visible_) return;
   XWithdrawWindow(display_.get(), window_, display_.screen());
   visible_ = false;
-  pressed_.reset();
+  buttons_.reset();
   XFlush(display_.get());
 }
 
@@ -136,30 +137,22 @@ void X11ShieldPanel::handleEvent(const XEvent& event) {
       if (event.xexpose.count == 0) redraw();
       return;
     case ButtonPress:
-      if (event.xbutton.button == Button1) {
-        pressed_ = buttonAt(event.xbutton.x, event.xbutton.y);
-        redraw();
-      }
+      if (event.xbutton.button == Button1 && buttons_.pointerPressed(event.xbutton.x, event.xbutton.y)) redraw();
       return;
     case ButtonRelease: {
       if (event.xbutton.button != Button1) return;
-      const auto released = buttonAt(event.xbutton.x, event.xbutton.y);
-      const auto pressed = pressed_;
-      pressed_.reset();
-      redraw();
-      // A click counts when it starts and ends on the same button.
-      if (pressed && pressed == released) press(*pressed);
+      const bool wasPressed = buttons_.pressed().has_value();
+      // The action may replace the content; the copy keeps it alive while it runs.
+      const auto action = buttons_.pointerReleased(event.xbutton.x, event.xbutton.y);
+      if (wasPressed) redraw();
+      if (action) action();
       return;
     }
     case KeyPress: {
       XKeyEvent key = event.xkey;
       const KeySym symbol = XLookupKeysym(&key, 0);
       if (symbol == XK_Return || symbol == XK_KP_Enter || symbol == XK_Escape) {
-        if (!view_) return;
-        const auto buttons = view_->buttons();
-        for (std::size_t index = 0; index < buttons.size(); ++index) {
-          if (buttons[index].isDefault) press(index);
-        }
+        if (const auto action = buttons_.defaultAction()) action();
       }
       return;
     }
@@ -173,26 +166,11 @@ void X11ShieldPanel::handleEvent(const XEvent& event) {
   }
 }
 
-std::optional<std::size_t> X11ShieldPanel::buttonAt(int x, int y) const {
-  for (std::size_t index = 0; index < layout_.buttons.size(); ++index) {
-    const MacHoldsShieldRect& frame = layout_.buttons[index].frame;
-    if (x >= frame.x && x < frame.maxX() && y >= frame.y && y < frame.maxY()) return index;
-  }
-  return std::nullopt;
-}
-
-void X11ShieldPanel::press(std::size_t index) {
-  if (!view_) return;
-  // The action may replace the content; keep it alive while it runs.
-  const auto action = view_->buttons()[index].action;
-  if (action) action();
-}
-
 void X11ShieldPanel::redraw() {
   if (!view_ || !visible_) return;
   cairo_t* cr = cairo_create(surface_);
   cairo_push_group(cr);
-  painter_.paint(cr, *view_, clock_.calendar(), pressed_);
+  painter_.paint(cr, *view_, clock_.calendar(), buttons_.pressed());
   cairo_pop_group_to_source(cr);
   cairo_paint(cr);
   cairo_destroy(cr);

@@ -8,7 +8,8 @@
 
 #include "KoviMacHolds/MacHoldsLog.h"
 #include "KoviMacHolds/platform/MacShieldPanel.h"
-#include "KoviMacHolds/platform/x11/CairoShieldPainter.h"
+#include "KoviMacHolds/platform/linux/CairoShieldPainter.h"
+#include "KoviMacHolds/platform/linux/ShieldButtons.h"
 #include "KoviMacHolds/platform/x11/X11Display.h"
 #include "KoviMacHolds/platform/x11/X11RunLoop.h"
 
@@ -37,17 +38,15 @@ class X11ShieldPanel final : public MacShieldPanel {
  private:
   void handleEvent(const XEvent& event);
   void redraw();
-  void press(std::size_t index);
-  std::optional<std::size_t> buttonAt(int x, int y) const;
 
   X11Display& display_;
-  CairoShieldPainter painter_;
+  desktop::CairoShieldPainter painter_;
   MacHoldsClock clock_;
   Window window_ = None;
   cairo_surface_t* surface_ = nullptr;
   std::optional<MacHoldsShieldView> view_;
   MacHoldsShieldLayout layout_;
-  std::optional<std::size_t> pressed_;
+  desktop::ShieldButtons buttons_;
   bool visible_ = false;
   // Set while the panel exists; the run loop's handler checks it so events
   // arriving after destruction are ignored.

@@ -1,18 +1,13 @@
 #include "KoviMacHolds/platform/x11/X11Workspace.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <X11/Xutil.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <filesystem>
 
 #include "KoviMacHolds/MacHoldsIdentity.h"
+#include "KoviMacHolds/platform/linux/LinuxAgentLock.h"
 
 namespace kovi::holds::x11 {
 
@@ -22,42 +17,6 @@ namespace {
 // it without focus-stealing checks, as a click in a task bar would be.
 constexpr long kSourcePager = 2;
 
-std::filesystem::path lockPath() {
-  const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-  if (runtime != nullptr && runtime[0] == '/') return std::filesystem::path(runtime) / "kovi-holds.lock";
-  return std::filesystem::temp_directory_path() / ("kovi-holds-" + std::to_string(getuid()) + ".lock");
-}
-
-// Starts `program` from PATH detached from the agent (its own session, and
-// reparented to init so the agent never has to reap it).
-void launchDetached(const char* program) {
-  const pid_t child = fork();
-  if (child < 0) return;
-  if (child == 0) {
-    setsid();
-    if (fork() == 0) {
-      execlp(program, program, static_cast<char*>(nullptr));
-      _exit(127);
-    }
-    _exit(0);
-  }
-  waitpid(child, nullptr, 0);
-}
-
-bool isOnPath(const char* program) {
-  const char* path = std::getenv("PATH");
-  if (path == nullptr) return false;
-  std::string_view rest(path);
-  while (!rest.empty()) {
-    const auto colon = rest.find(':');
-    const std::filesystem::path candidate = std::filesystem::path(std::string(rest.substr(0, colon))) / program;
-    if (access(candidate.c_str(), X_OK) == 0) return true;
-    if (colon == std::string_view::npos) break;
-    rest.remove_prefix(colon + 1);
-  }
-  return false;
-}
-
 }  // namespace
 
 X11Workspace::X11Workspace(X11Display& display, X11RunLoop& runLoop) : display_(display) {
@@ -65,10 +24,6 @@ X11Workspace::X11Workspace(X11Display& display, X11RunLoop& runLoop) : display_(
   refreshClients(false);
   runLoop.addEventHandler([this](const XEvent& event) { handleEvent(event); });
   runLoop.setWakeHandler([this] { notify(MacWorkspaceEvent::didWake, std::nullopt); });
-}
-
-X11Workspace::~X11Workspace() {
-  if (lockFd_ >= 0) close(lockFd_);
 }
 
 void X11Workspace::handleEvent(const XEvent& event) {
@@ -237,46 +192,22 @@ void X11Workspace::openMainApp() {
       return;
     }
   }
-  if (isOnPath("kovi-app")) launchDetached("kovi-app");
+  desktop::launchMainApp();
 }
 
-bool X11Workspace::anotherAgentIsRunning() {
-  if (lockFd_ >= 0) return false;  // this process holds the lock already
-  const int fd = ::open(lockPath().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-  if (fd < 0) return false;  // without a lock file there is nothing to compete for
-  if (flock(fd, LOCK_EX | LOCK_NB) != 0) {
-    const bool held = errno == EWOULDBLOCK;
-    close(fd);
-    return held;
-  }
-  lockFd_ = fd;
-  return false;
-}
+bool X11Workspace::anotherAgentIsRunning() { return lock_.anotherAgentIsRunning(); }
 
-std::set<std::string> X11Workspace::desktopIdentifiers() const { return x11DesktopIdentifiers(); }
+std::set<std::string> X11Workspace::desktopIdentifiers() const { return desktop::linuxDesktopIdentifiers(desktop::LinuxWindowSystem::x11); }
 
 MacObserverToken X11Workspace::addObserver(MacWorkspaceEvent event,
                                            std::function<void(const MacWorkspaceNotification&)> handler) {
-  const MacObserverToken token = nextToken_++;
-  observers_.emplace(token, Observer{event, std::move(handler)});
-  return token;
+  return observers_.add(event, std::move(handler));
 }
 
-void X11Workspace::removeObserver(MacObserverToken token) { observers_.erase(token); }
+void X11Workspace::removeObserver(MacObserverToken token) { observers_.remove(token); }
 
 void X11Workspace::notify(MacWorkspaceEvent event, std::optional<pid_t> processIdentifier) {
-  // A handler may add or remove observers; the ones registered now are called.
-  std::vector<MacObserverToken> tokens;
-  for (const auto& [token, observer] : observers_) {
-    if (observer.event == event) tokens.push_back(token);
-  }
-  const MacWorkspaceNotification note{event, processIdentifier};
-  for (MacObserverToken token : tokens) {
-    auto observer = observers_.find(token);
-    if (observer == observers_.end()) continue;
-    auto handler = observer->second.handler;
-    handler(note);
-  }
+  observers_.notify(event, processIdentifier);
 }
 
 }  // namespace kovi::holds::x11

@@ -8,6 +8,8 @@
 #include <set>
 
 #include "KoviMacHolds/platform/MacWorkspace.h"
+#include "KoviMacHolds/platform/linux/LinuxAgentLock.h"
+#include "KoviMacHolds/platform/linux/LinuxWorkspaceObservers.h"
 #include "KoviMacHolds/platform/x11/X11ApplicationIdentity.h"
 #include "KoviMacHolds/platform/x11/X11Display.h"
 #include "KoviMacHolds/platform/x11/X11RunLoop.h"
@@ -26,7 +28,6 @@ class X11Workspace final : public MacWorkspace {
   static constexpr std::chrono::milliseconds hideConfirmationTime{500};
 
   X11Workspace(X11Display& display, X11RunLoop& runLoop);
-  ~X11Workspace() override;
 
   std::vector<MacRunningApplication> runningApplications() override;
   std::optional<MacRunningApplication> frontmostApplication() override;
@@ -36,8 +37,6 @@ class X11Workspace final : public MacWorkspace {
   bool hide(const MacRunningApplication& application) override;
   // Activates a running Kovi window, or starts `kovi-app` from PATH.
   void openMainApp() override;
-  // Takes an exclusive flock on kovi-holds.lock in $XDG_RUNTIME_DIR (or the
-  // temporary directory) and keeps it for the life of the process.
   bool anotherAgentIsRunning() override;
   std::set<std::string> desktopIdentifiers() const override;
 
@@ -48,12 +47,8 @@ class X11Workspace final : public MacWorkspace {
  private:
   struct ClientWindow {
     pid_t processIdentifier = 0;
-    X11ApplicationIdentity identity;
+    desktop::LinuxApplicationIdentity identity;
     bool isDesktopPart = false;  // a dock or the desktop window
-  };
-  struct Observer {
-    MacWorkspaceEvent event;
-    std::function<void(const MacWorkspaceNotification&)> handler;
   };
 
   void handleEvent(const XEvent& event);
@@ -67,9 +62,8 @@ class X11Workspace final : public MacWorkspace {
 
   X11Display& display_;
   std::map<Window, ClientWindow> clients_;
-  std::map<MacObserverToken, Observer> observers_;
-  MacObserverToken nextToken_ = 1;
-  int lockFd_ = -1;
+  desktop::LinuxWorkspaceObservers observers_;
+  desktop::LinuxAgentLock lock_;
 };
 
 }  // namespace kovi::holds::x11

@@ -1,0 +1,115 @@
+#include "KoviKit/evidence/AttestedEvidenceEnvelope.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace kovi {
+namespace {
+
+AttestedEvidenceEnvelope threeDays() {
+  AttestedEvidenceEnvelope envelope;
+  envelope.appIdentity = "TEAM.app.kovi";
+  envelope.financialActorId = "actor-1";
+  envelope.deviceKeyId = "device-key-7";
+  envelope.writerEpoch = 3;
+  envelope.chainId = 8453;
+  envelope.registryAddress = "0x" + std::string(40, 'a');
+  envelope.koviId = "42";
+  envelope.rulesHash = std::string(64, 'b');
+  envelope.requestId = "req-1";
+  envelope.challengeId = "challenge-1";
+  envelope.challenge = "c";
+  envelope.windowIds = {0, 1, 2};
+  envelope.expectedRevisions = {0, 2, 0};
+  envelope.measurementCutoffs = {1000, 2000, 3000};
+  envelope.evidencePayloadHash = std::string(64, 'c');
+  envelope.issuedAt = 1'700'000'000'000;
+  envelope.expiresAt = 1'700'000'600'000;
+  return envelope;
+}
+
+TEST(AttestedEvidenceEnvelopeTest, CanonicalTextIsWrittenFieldByFieldWithoutWhitespace) {
+  const std::string head = R"({"protocolVersion":2,"purpose":"submitWalkingEvidence","appIdentity":"TEAM.app.kovi",)"
+                           R"("environment":"development","financialActorId":"actor-1","deviceKeyId":"device-key-7",)"
+                           R"("writerEpoch":3,"chainId":8453,"registryAddress":"0xaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa",)"
+                           R"("koviId":"42","rulesHash":")" + std::string(64, 'b') + R"(","requestId":"req-1",)"
+                           R"("challengeId":"challenge-1","challenge":)";
+  const std::string tail = R"(,"evidencePayloadHash":")" + std::string(64, 'c') +
+                           R"(","issuedAt":1700000000000,"expiresAt":1700000600000})";
+  const struct {
+    const char* name;
+    std::string challenge;
+    std::vector<std::int64_t> days, revisions, cutoffs;
+    std::string expected;
+  } cases[] = {
+      {"three days", "c", {0, 1, 2}, {0, 2, 0}, {1000, 2000, 3000},
+       R"("c","windowIds":[0,1,2],"expectedRevisions":[0,2,0],"measurementCutoffs":[1000,2000,3000])"},
+      {"one day", "c", {5}, {1}, {-1}, R"("c","windowIds":[5],"expectedRevisions":[1],"measurementCutoffs":[-1])"},
+      {"quotes and backslashes", R"(say "hi" \ bye)", {0}, {0}, {7},
+       R"("say \"hi\" \\ bye","windowIds":[0],"expectedRevisions":[0],"measurementCutoffs":[7])"},
+      {"control characters and Turkish letters", "a\nb\x01ğ", {0}, {0}, {7},
+       "\"a\\nb\\u0001ğ\",\"windowIds\":[0],\"expectedRevisions\":[0],\"measurementCutoffs\":[7]"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    auto envelope = threeDays();
+    envelope.challenge = c.challenge;
+    envelope.windowIds = c.days;
+    envelope.expectedRevisions = c.revisions;
+    envelope.measurementCutoffs = c.cutoffs;
+    EXPECT_EQ(envelope.canonicalText(), head + c.expected + tail);
+    EXPECT_EQ(envelope.clientDataHash(), sha256(head + c.expected + tail));
+  }
+}
+
+TEST(AttestedEvidenceEnvelopeTest, ValidationNamesTheFieldTheServiceWouldRefuse) {
+  const struct {
+    void (*change)(AttestedEvidenceEnvelope&);
+    const char* path;
+  } cases[] = {
+      {[](auto& e) { e.protocolVersion = 1; }, "protocolVersion"},
+      {[](auto& e) { e.rulesHash = std::string(64, 'B'); }, "rulesHash"},
+      {[](auto& e) { e.rulesHash = std::string(63, 'b'); }, "rulesHash"},
+      {[](auto& e) { e.evidencePayloadHash = std::string(258, 'c'); }, "evidencePayloadHash"},
+      {[](auto& e) { e.registryAddress = std::string(42, 'a'); }, "registryAddress"},
+      {[](auto& e) { e.koviId = "042"; }, "koviId"},
+      {[](auto& e) { e.windowIds = {}; }, "windowIds"},
+      {[](auto& e) { e.expectedRevisions = {0, 0}; }, "expectedRevisions"},
+      {[](auto& e) { e.measurementCutoffs = {1, 2, 3, 4}; }, "measurementCutoffs"},
+      {[](auto& e) { e.windowIds[1] = -1; }, "windowIds[1]"},
+      {[](auto& e) { e.expiresAt = e.issuedAt - 1; }, "expiresAt"},
+  };
+  ASSERT_TRUE(threeDays().validate().has_value());
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.path);
+    auto envelope = threeDays();
+    c.change(envelope);
+    const auto valid = envelope.validate();
+    ASSERT_FALSE(valid.has_value());
+    EXPECT_EQ(valid.error().path, c.path);
+  }
+}
+
+TEST(AttestedEvidenceEnvelopeTest, HexCheckAcceptsOnlyLowercaseOf64To256Digits) {
+  EXPECT_TRUE(isEvidenceHex(std::string(64, 'f')));
+  EXPECT_TRUE(isEvidenceHex(std::string(256, '0')));
+  EXPECT_FALSE(isEvidenceHex(std::string(257, '0')));
+  EXPECT_FALSE(isEvidenceHex(std::string(63, '0') + "g"));
+  EXPECT_FALSE(isEvidenceHex(""));
+}
+
+TEST(AttestedEvidenceEnvelopeTest, DecodingRefusesMissingAndUnknownFields) {
+  auto json = encodeRecord(threeDays());
+  ASSERT_EQ(decodeJsonText<AttestedEvidenceEnvelope>(json.dump()), threeDays());
+  json.erase("challengeId");
+  EXPECT_EQ(decodeJsonText<AttestedEvidenceEnvelope>(json.dump()).error().message(), "challengeId: missing key");
+  json = encodeRecord(threeDays());
+  json["extra"] = 1;
+  EXPECT_EQ(decodeJsonText<AttestedEvidenceEnvelope>(json.dump()).error().message(), "extra: unknown key");
+  EXPECT_EQ(decodeJsonText<AttestedEvidenceEnvelope>(R"({"koviId":"1","koviId":"2"})").error().message(),
+            "koviId: duplicate key");
+}
+
+}  // namespace
+}  // namespace kovi

@@ -1,0 +1,201 @@
+#include <gtest/gtest.h>
+#include <zip.h>
+
+#include <fstream>
+
+#include "KoviKit/evidence/HealthExportStore.h"
+#include "KoviKit/evidence/HealthExportXmlParser.h"
+#include "tests/evidence/WalkingTestSupport.h"
+#include "tests/support/TemporaryDirectory.h"
+
+namespace kovi {
+namespace {
+
+using testing::at;
+
+constexpr std::string_view kExportXml = R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE HealthData [
+<!ELEMENT HealthData (ExportDate,Me,(Record|Workout)*)>
+<!ATTLIST HealthData locale CDATA #REQUIRED>
+]>
+<HealthData locale="tr_TR">
+ <ExportDate value="2026-03-03 08:00:00 +0300"/>
+ <Me HKCharacteristicTypeIdentifierBiologicalSex="HKBiologicalSexFemale"/>
+ <Record type="HKQuantityTypeIdentifierHeartRate" sourceName="Apple Watch" unit="count/min" startDate="2026-03-02 09:41:07 +0300" endDate="2026-03-02 09:41:07 +0300" value="88"/>
+ <Record type="HKQuantityTypeIdentifierStepCount" sourceName="Ayşe’s Apple Watch" unit="count" startDate="2026-03-02 09:41:07 +0300" endDate="2026-03-02 09:51:07 +0300" value="1000">
+  <MetadataEntry key="HKWasUserEntered" value="0"/>
+ </Record>
+ <Record sourceName="Ayşe’s iPhone" type="HKQuantityTypeIdentifierStepCount" startDate="2026-03-01 23:58:00 -0100" endDate="2026-03-02 00:08:00 -0100" value="12.5"/>
+ <Record type="HKQuantityTypeIdentifierStepCount" sourceName="Ayşe’s iPhone" startDate="2026-01-01 10:00:00 +0300" endDate="2026-01-01 10:05:00 +0300" value="300"/>
+ <Workout workoutActivityType="HKWorkoutActivityTypeWalking"><WorkoutEvent type="HKWorkoutEventTypePause"/></Workout>
+</HealthData>
+)";
+
+// The two step samples of kExportXml inside March 2026.
+const std::vector<HealthStepSample> kMarchSamples{
+    {at("2026-03-02T09:41:07+03:00"), at("2026-03-02T09:51:07+03:00"), 1000, "Ayşe’s Apple Watch"},
+    {at("2026-03-02T00:58:00+00:00"), at("2026-03-02T01:08:00+00:00"), 12.5, "Ayşe’s iPhone"},
+};
+const UnixMillis kMarchFrom = at("2026-03-01T00:00:00Z");
+const UnixMillis kMarchTo = at("2026-04-01T00:00:00Z");
+
+// Writes a zip archive holding `entries` (name, contents).
+std::filesystem::path writeZip(const std::filesystem::path& path,
+                               const std::vector<std::pair<std::string, std::string>>& entries) {
+  int error = 0;
+  zip_t* archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &error);
+  EXPECT_NE(archive, nullptr);
+  for (const auto& [name, contents] : entries) {
+    zip_source_t* source = zip_source_buffer(archive, contents.data(), contents.size(), 0);
+    EXPECT_GE(zip_file_add(archive, name.c_str(), source, ZIP_FL_ENC_UTF_8), 0);
+  }
+  EXPECT_EQ(zip_close(archive), 0);
+  return path;
+}
+
+TEST(HealthExportStoreTest, ReadsStepSamplesFromTheXmlAndTheZipAlike) {
+  const testing::TemporaryDirectory directory;
+  const std::string xml(kExportXml);
+  const std::vector<std::filesystem::path> exports{
+      directory.write("export.xml", xml),
+      writeZip(directory.path() / "export.zip", {{"apple_health_export/export_cda.xml", "<ClinicalDocument/>"},
+                                                 {"apple_health_export/export.xml", xml}}),
+      writeZip(directory.path() / "renamed.zip", {{"saglik/export.xml", xml}}),
+  };
+  for (const auto& path : exports) {
+    std::vector<std::uint64_t> progress;
+    HealthExportStore store(path, [&](std::uint64_t done, std::uint64_t total) {
+      progress.push_back(done);
+      EXPECT_EQ(total, xml.size());
+    });
+    const auto samples = store.stepSamples(kMarchFrom, kMarchTo);
+    ASSERT_TRUE(samples.has_value()) << path << ": " << samples.error();
+    EXPECT_EQ(*samples, kMarchSamples) << path;
+    EXPECT_EQ(progress, std::vector<std::uint64_t>{xml.size()}) << path;
+  }
+}
+
+TEST(HealthExportStoreTest, KeepsOnlySamplesOverlappingTheInterval) {
+  const testing::TemporaryDirectory directory;
+  HealthExportStore store(directory.write("export.xml", kExportXml));
+  const auto samples = store.stepSamples(at("2026-03-02T01:00:00Z"), at("2026-03-02T01:05:00Z"));
+  ASSERT_TRUE(samples.has_value());
+  EXPECT_EQ(*samples, std::vector{kMarchSamples[1]});
+}
+
+TEST(HealthExportStoreTest, ReadsTheJsonSampleFormat) {
+  const testing::TemporaryDirectory directory;
+  HealthExportStore store(directory.write(
+      "samples.json", R"( [{"start": 1772433667000, "end": 1772434267000, "value": 412, "source": "Apple Watch"}])"));
+  const auto samples = store.stepSamples(kMarchFrom, kMarchTo);
+  ASSERT_TRUE(samples.has_value()) << samples.error();
+  EXPECT_EQ(*samples, (std::vector<HealthStepSample>{{1772433667000, 1772434267000, 412, "Apple Watch"}}));
+}
+
+struct BrokenExport {
+  const char* name;
+  std::string contents;
+  bool zipped;
+  std::string reason;
+};
+
+class HealthExportFailureTest : public ::testing::TestWithParam<BrokenExport> {};
+
+TEST_P(HealthExportFailureTest, SaysWhichFileAndWhy) {
+  const auto& param = GetParam();
+  const testing::TemporaryDirectory directory;
+  const auto path = param.zipped ? writeZip(directory.path() / "export.zip", {{"export.xml", param.contents}})
+                                 : directory.write("export.xml", param.contents);
+  HealthExportStore store(path);
+  const auto samples = store.stepSamples(kMarchFrom, kMarchTo);
+  ASSERT_FALSE(samples.has_value());
+  EXPECT_TRUE(samples.error().starts_with(path.string() + ": ")) << samples.error();
+  EXPECT_NE(samples.error().find(param.reason), std::string::npos) << samples.error();
+}
+
+std::string deepNesting(int depth) {
+  std::string xml = "<HealthData>";
+  for (int i = 0; i < depth; ++i) xml += "<a>";
+  return xml;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Exports, HealthExportFailureTest,
+    ::testing::Values(
+        BrokenExport{"truncatedXml", std::string(kExportXml.substr(0, 700)), false, "export.xml line"},
+        BrokenExport{"truncatedInZip", std::string(kExportXml.substr(0, kExportXml.size() - 8)), true,
+                     "unclosed token"},
+        BrokenExport{"notAnExport", "<plist version=\"1.0\"><dict/></plist>", false, "not a Health export"},
+        BrokenExport{"empty", "", false, "export.xml line 1"},
+        BrokenExport{"badDate",
+                     "<HealthData>\n<Record type=\"HKQuantityTypeIdentifierStepCount\" startDate=\"2026-02-30 "
+                     "10:00:00 +0300\" endDate=\"2026-03-02 10:00:00 +0300\" value=\"1\"/></HealthData>",
+                     false, "line 2: startDate \"2026-02-30 10:00:00 +0300\" is not a date"},
+        BrokenExport{"badValue",
+                     "<HealthData><Record type=\"HKQuantityTypeIdentifierStepCount\" startDate=\"2026-03-02 10:00:00 "
+                     "+0300\" endDate=\"2026-03-02 10:00:00 +0300\" value=\"12 steps\"/></HealthData>",
+                     false, "value \"12 steps\" is not a step count"},
+        BrokenExport{"endsBeforeStart",
+                     "<HealthData><Record type=\"HKQuantityTypeIdentifierStepCount\" startDate=\"2026-03-02 10:00:00 "
+                     "+0300\" endDate=\"2026-03-02 09:00:00 +0300\" value=\"1\"/></HealthData>",
+                     false, "ends before it starts"},
+        BrokenExport{"deepNesting", deepNesting(100), false, "nested deeper than 32"},
+        BrokenExport{"jsonDuplicateKey", R"([{"start": 1, "start": 2, "end": 3, "value": 1, "source": "x"}])", false,
+                     "\"start\" appears twice"},
+        BrokenExport{"jsonEndBeforeStart", R"([{"start": 5, "end": 3, "value": 1, "source": "x"}])", false,
+                     "[0]: end before start"},
+        BrokenExport{"jsonFarInstant", R"([{"start": 0, "end": 9223372036854775807, "value": 1, "source": "x"}])",
+                     false, "[0]: instant outside"},
+        BrokenExport{"jsonUnknownKey", R"([{"start": 0, "end": 3, "value": 1, "source": "x", "unit": "count"}])",
+                     false, "[0].unit: unknown key"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(HealthExportStoreTest, AZipWithoutTheXmlOrACutArchiveIsNotRead) {
+  const testing::TemporaryDirectory directory;
+  const auto withoutXml = writeZip(directory.path() / "a.zip", {{"apple_health_export/electrocardiograms/e.csv", "x"}});
+  auto samples = HealthExportStore(withoutXml).stepSamples(kMarchFrom, kMarchTo);
+  ASSERT_FALSE(samples.has_value());
+  EXPECT_NE(samples.error().find("the archive holds no export.xml"), std::string::npos);
+
+  const auto whole = writeZip(directory.path() / "b.zip", {{"apple_health_export/export.xml", std::string(kExportXml)}});
+  std::ifstream input(whole, std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(input)), std::istreambuf_iterator<char>());
+  samples = HealthExportStore(directory.write("cut.zip", bytes.substr(0, bytes.size() / 2)))
+                .stepSamples(kMarchFrom, kMarchTo);
+  ASSERT_FALSE(samples.has_value());
+  EXPECT_NE(samples.error().find("not a readable zip archive"), std::string::npos) << samples.error();
+
+  samples = HealthExportStore(directory.path() / "missing.zip").stepSamples(kMarchFrom, kMarchTo);
+  ASSERT_FALSE(samples.has_value());
+  EXPECT_NE(samples.error().find("No such file"), std::string::npos) << samples.error();
+}
+
+TEST(HealthExportXmlParserTest, ReadsSamplesAcrossAnyChunking) {
+  for (const std::size_t chunk : {1u, 7u, 4096u}) {
+    std::vector<HealthStepSample> samples;
+    HealthExportXmlParser parser([&](HealthStepSample&& sample) { samples.push_back(std::move(sample)); });
+    for (std::size_t offset = 0; offset < kExportXml.size(); offset += chunk) {
+      ASSERT_TRUE(parser.feed(kExportXml.substr(offset, chunk)).has_value());
+    }
+    ASSERT_TRUE(parser.finish().has_value());
+    EXPECT_EQ(samples.size(), 3u) << chunk;
+  }
+}
+
+TEST(HealthExportXmlParserTest, ParsesTheExportDateForm) {
+  const std::vector<std::pair<std::string_view, std::optional<UnixMillis>>> cases{
+      {"2026-03-02 09:41:07 +0300", at("2026-03-02T06:41:07Z")},
+      {"2026-03-02 09:41:07 -0130", at("2026-03-02T11:11:07Z")},
+      {"2024-02-29 00:00:00 +0000", at("2024-02-29T00:00:00Z")},
+      {"2026-02-29 00:00:00 +0000", std::nullopt},
+      {"2026-03-02 24:00:00 +0300", std::nullopt},
+      {"2026-03-02T09:41:07 +0300", std::nullopt},
+      {"2026-03-02 09:41:07 +03:00", std::nullopt},
+      {"2026-3-02 09:41:07 +0300", std::nullopt},
+      {"0000-01-01 00:00:00 +0000", std::nullopt},
+  };
+  for (const auto& [text, expected] : cases) EXPECT_EQ(parseHealthExportDate(text), expected) << text;
+}
+
+}  // namespace
+}  // namespace kovi

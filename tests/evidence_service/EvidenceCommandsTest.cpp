@@ -1,0 +1,202 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+
+#include "KoviKit/attest/P256Verification.h"
+#include "KoviKit/attest/SoftwareDeviceKeyService.h"
+#include "KoviKit/foundation/Base64.h"
+#include "tests/evidence_service/EvidenceFixture.h"
+#include "tests/evidence_service/LoopbackEvidenceService.h"
+#include "tests/support/KoviProcess.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TemporaryDirectory.h"
+
+namespace kovi {
+namespace {
+
+using nlohmann::json;
+using testing::EvidenceFixture;
+using testing::runKovi;
+
+std::vector<json> jsonLines(const std::string& text) {
+  std::vector<json> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(json::parse(line));
+  return lines;
+}
+
+json envelopeFields() {
+  return {{"protocolVersion", 2},
+          {"purpose", "submitWalkingEvidence"},
+          {"appIdentity", "TEAM.app.kovi"},
+          {"environment", "development"},
+          {"financialActorId", "actor-1"},
+          {"deviceKeyId", "device-key-1"},
+          {"writerEpoch", 1},
+          {"chainId", 8453},
+          {"registryAddress", "0x" + std::string(40, 'a')},
+          {"koviId", "42"},
+          {"rulesHash", std::string(64, 'b')},
+          {"requestId", "req-1"},
+          {"challengeId", "challenge-1"},
+          {"challenge", "say \"hi\" \\"},
+          {"windowIds", {0, 1, 2}},
+          {"expectedRevisions", {0, 0, 1}},
+          {"measurementCutoffs", {10, 20, 30}},
+          {"evidencePayloadHash", std::string(64, 'c')},
+          {"issuedAt", 1000},
+          {"expiresAt", 2000}};
+}
+
+TEST(EvidenceCommandsTest, EnvelopePrintsTheCanonicalTextOrItsHashAndNamesABadField) {
+  const testing::TemporaryDirectory directory;
+  const auto good = directory.write("good.json", envelopeFields().dump(2));
+  const auto canonical = runKovi({"evidence", "envelope", good.string()});
+  ASSERT_EQ(canonical.exitStatus, 0) << canonical.err;
+  EXPECT_NE(canonical.out.find(R"("challenge":"say \"hi\" \\","windowIds":[0,1,2],"expectedRevisions":[0,0,1],)"),
+            std::string::npos)
+      << canonical.out;
+  const auto hash = runKovi({"evidence", "envelope", "--hash", good.string()});
+  EXPECT_EQ(hash.out, sha256Hex(canonical.out.substr(0, canonical.out.size() - 1)) + "\n");
+
+  auto missing = envelopeFields();
+  missing.erase("koviId");
+  auto badHex = envelopeFields();
+  badHex["rulesHash"] = std::string(64, 'B');
+  auto badType = envelopeFields();
+  badType["windowIds"] = {0, "1"};
+  const struct {
+    std::string contents;
+    int status;
+    const char* says;
+  } cases[] = {
+      {missing.dump(), 1, "koviId: missing key"},
+      {badHex.dump(), 1, "rulesHash: expected 64 to 256 lowercase hex digits"},
+      {badType.dump(), 1, "windowIds[1]"},
+      {R"({"koviId":"1","koviId":"2"})", 2, "koviId: duplicate key"},
+      {R"({"koviId":)", 2, "not valid JSON at line 1, column 11"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.says);
+    const auto run = runKovi({"evidence", "envelope", directory.write("bad.json", c.contents).string()});
+    EXPECT_EQ(run.exitStatus, c.status);
+    EXPECT_NE(run.err.find(c.says), std::string::npos) << run.err;
+  }
+}
+
+TEST(EvidenceCommandsTest, KeyCreateAndAssertMakeVerifiableAssertionsWithARisingCounter) {
+  const testing::TemporaryDirectory directory;
+  const auto created = runKovi({"evidence", "key", "create", "--data-dir", directory.path().string()});
+  ASSERT_EQ(created.exitStatus, 0) << created.err;
+  const std::string keyId = created.out.substr(0, created.out.size() - 1);
+  const SoftwareDeviceKeyService keys(directory.path(), "app.kovi.cli");
+  const auto publicKey = keys.publicKey(keyId).value();
+  const std::string hashHex = sha256Hex("client data");
+  for (std::uint32_t counter = 1; counter <= 2; ++counter) {
+    const auto run = runKovi({"evidence", "key", "assert", keyId, "--client-data-hash", hashHex, "--data-dir",
+                              directory.path().string()});
+    ASSERT_EQ(run.exitStatus, 0) << run.err;
+    const auto printed = json::parse(run.out);
+    const AppAttestAssertion assertion{base64Decode(printed.at("authenticatorData").get<std::string>()).value(),
+                                       base64Decode(printed.at("signature").get<std::string>()).value()};
+    EXPECT_EQ(verifyAssertion(publicKey, "app.kovi.cli", sha256("client data"), assertion), counter);
+  }
+  const auto badHash = runKovi({"evidence", "key", "assert", keyId, "--client-data-hash", "ABC", "--data-dir",
+                                directory.path().string()});
+  EXPECT_EQ(badHash.exitStatus, 2);
+}
+
+class EvidenceServiceCommandsTest : public ::testing::Test {
+ protected:
+  std::vector<std::string> withDevice(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.end(), {"--account", "actor-1", "--data-dir", directory.path().string()});
+    return arguments;
+  }
+
+  std::vector<std::string> submitArguments(std::vector<int> days) const {
+    json reads = json::array();
+    for (const auto& read : EvidenceFixture::reads(std::move(days), 250)) {
+      json buckets = json::array();
+      for (const auto& bucket : read.buckets) {
+        buckets.push_back({{"start", bucket.start.unixMillis()}, {"end", bucket.end.unixMillis()}, {"amount", 250}});
+      }
+      reads.push_back({{"day", read.day}, {"outcome", "measured"}, {"buckets", buckets}});
+    }
+    const auto file = directory.write("reads.json", reads.dump());
+    return withDevice({"evidence", "submit", EvidenceFixture::kReference, "--reads", file.string(), "--cutoff",
+                       "2026-05-07T08:00:00Z"});
+  }
+
+  testing::LoopbackEvidenceService service{EvidenceFixture::kReference, EvidenceFixture::rules(),
+                                           EvidenceFixture::kStart};
+  testing::TemporaryDirectory directory;
+  testing::ScopedEnvironment origin{"KOVI_SERVICE_ORIGIN", service.origin()};
+  testing::ScopedEnvironment token{"KOVI_TOKEN", "token-1"};
+};
+
+TEST_F(EvidenceServiceCommandsTest, RegisterThenSubmitPrintsOneLinePerDayAndTheReceipt) {
+  const auto registered = runKovi(withDevice({"evidence", "register"}));
+  ASSERT_EQ(registered.exitStatus, 0) << registered.out << registered.err;
+  const auto key = json::parse(registered.out);
+  EXPECT_EQ(key.at("keyId").get<std::string>().size(), 64u);
+
+  const auto submitted = runKovi(submitArguments({0, 2}));
+  ASSERT_EQ(submitted.exitStatus, 0) << submitted.out << submitted.err;
+  const auto lines = jsonLines(submitted.out);
+  ASSERT_EQ(lines.size(), 4u) << submitted.out;
+  EXPECT_EQ(lines[0].at("outcome"), "submit");
+  EXPECT_EQ(lines[1].at("outcome"), "noData");
+  EXPECT_EQ(lines[2].at("outcome"), "submit");
+  EXPECT_EQ(lines[3].at("receipt").at("deviceKeyId"), key.at("serverDeviceKeyId"));
+  EXPECT_EQ(lines[3].at("receipt").at("accepted").size(), 2u);
+  EXPECT_EQ(service.day(2).revision, 1);
+  EXPECT_EQ(service.day(1).revision, 0);
+}
+
+TEST_F(EvidenceServiceCommandsTest, ServiceRefusalPrintsTheTurkishMessageAndCode) {
+  ASSERT_EQ(runKovi(withDevice({"evidence", "register"})).exitStatus, 0);
+  service.bumpRevisionBeforeNextSubmission(0);
+  const auto refused = runKovi(submitArguments({0}));
+  EXPECT_EQ(refused.exitStatus, 1);
+  const auto error = json::parse(refused.out);
+  EXPECT_EQ(error.at("code"), "walking_evidence_revision_conflict");
+  EXPECT_EQ(error.at("failure"), "rejected");
+  // A rejected submission is rebuilt after a minute, not retried at once.
+  EXPECT_GT(error.at("nextAttemptAt").get<std::int64_t>(), Date::now().unixMillis() + 50'000);
+  EXPECT_EQ(error.at("message"),
+            "Günün ölçümü başka bir paylaşımla güncellendi. Sağlık verisi yeniden okunup tekrar denenecek.");
+}
+
+TEST_F(EvidenceServiceCommandsTest, AKilledSubmitLeavesAPendingRecordThatTheNextRunResends) {
+  ASSERT_EQ(runKovi(withDevice({"evidence", "register"})).exitStatus, 0);
+  service.holdNextSubmission();
+  const int child = testing::startKovi(submitArguments({0, 1}));
+  // The request is at the service's door: the pending record was written first.
+  const bool held = service.waitUntilHeld(std::chrono::seconds(60));
+  ::kill(child, SIGKILL);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  service.releaseHeld();
+  ASSERT_TRUE(held);
+  ASSERT_TRUE(WIFSIGNALED(status));
+
+  const auto pending = runKovi(withDevice({"evidence", "pending"}));
+  ASSERT_EQ(pending.exitStatus, 0) << pending.err;
+  const auto listed = json::parse(pending.out);
+  ASSERT_EQ(listed.at("records").size(), 1u);
+  const std::string requestId = listed.at("records")[0].at("requestId");
+
+  const auto resent = runKovi(submitArguments({0, 1}));
+  ASSERT_EQ(resent.exitStatus, 0) << resent.out << resent.err;
+  EXPECT_NE(resent.err.find("pending request " + requestId), std::string::npos) << resent.err;
+  EXPECT_EQ(service.submittedRequestIds(), (std::vector<std::string>{requestId}));
+  EXPECT_EQ(service.day(0).revision, 1);
+  EXPECT_EQ(json::parse(runKovi(withDevice({"evidence", "pending"})).out).at("records").size(), 0u);
+}
+
+}  // namespace
+}  // namespace kovi

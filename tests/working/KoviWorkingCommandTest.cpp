@@ -1,0 +1,119 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "KoviKit/working/WorkingCheckpoint.h"
+#include "KoviKit/working/WorkingSessionJournalStore.h"
+#include "tests/support/KoviProcess.h"
+#include "tests/support/TemporaryDirectory.h"
+
+namespace kovi {
+namespace {
+
+using testing::runKovi;
+constexpr UnixMillis kStart = 1'780'000'000'000;
+
+// Three linked checkpoints of 30 s active and 10 s idle each.
+std::vector<WorkingCheckpoint> chain(bool endsFinal) {
+  std::vector<WorkingCheckpoint> checkpoints;
+  std::string previous(kWorkingCheckpointGenesisHash);
+  for (std::int64_t sequence = 0; sequence < 3; ++sequence) {
+    const UnixMillis start = kStart + sequence * 40'000;
+    checkpoints.push_back({"ses_1", "dev_1", 0, sequence, previous, start + 40'000, sequence * 40'000,
+                           {{start, start + 30'000, WorkingTimeSegment::Kind::active},
+                            {start + 30'000, start + 40'000, WorkingTimeSegment::Kind::idle}},
+                           endsFinal && sequence == 2});
+    previous = workingCheckpointHash(checkpoints.back());
+  }
+  return checkpoints;
+}
+
+std::string json(const std::vector<WorkingCheckpoint>& checkpoints) {
+  return encodeValue(checkpoints).dump();
+}
+
+struct VerifyCase {
+  std::string name;
+  std::string file;
+  int exitStatus;
+  std::string out;
+  std::string errPart;
+};
+
+TEST(KoviWorkingCommandTest, VerifyPrintsTheChainsVerdict) {
+  auto reordered = chain(true);
+  std::swap(reordered[0], reordered[2]);
+  auto broken = chain(true);
+  broken[1].segments[0].kind = WorkingTimeSegment::Kind::active;
+  broken[1].segments[1].kind = WorkingTimeSegment::Kind::active;
+  const std::string through = std::to_string(kStart + 120'000);
+  std::string repeated = json(chain(true));
+  repeated.replace(repeated.find("\"kind\":\"idle\""), 13, "\"kind\":\"idle\",\"kind\":\"active\"");
+
+  const std::vector<VerifyCase> cases = {
+      {"verified", json(reordered), 0,
+       R"({"status":"verified","message":"Oturum kayıtları doğrulandı.","acceptedMS":90000,"through":)" + through +
+           R"(,"brokenAt":null})",
+       ""},
+      {"pending", json(chain(false)), 0,
+       R"({"status":"pending","message":"Son kayıtlar bekleniyor; oturumun doğrulama sonucu henüz kesinleşmedi.","acceptedMS":90000,"through":)" +
+           through + R"(,"brokenAt":null})",
+       ""},
+      {"inconsistent", json(broken), 1,
+       R"({"status":"inconsistent","message":"Oturum kayıtlarının tutarlılığı doğrulanamadı; bu kayıttan çalışma süresi kabul edilmedi.","acceptedMS":0,"through":null,"brokenAt":2})",
+       "sequence 2: previousHash does not match"},
+      {"none", "[]", 1,
+       R"({"status":"none","message":"Mac çalışma oturumunu henüz başlatmadı.","acceptedMS":0,"through":null,"brokenAt":null})",
+       ""},
+      {"repeated key", repeated, 2, "", "[0].segments[1].kind: duplicate key"},
+      {"not an array", "{}", 2, "", "expected an array"},
+      {"syntax", "[{", 2, "", "not valid JSON"},
+  };
+  const testing::TemporaryDirectory directory;
+  for (const VerifyCase& test : cases) {
+    SCOPED_TRACE(test.name);
+    const auto file = directory.write("chain.json", test.file);
+    const auto run = runKovi({"working", "checkpoints", "verify", file.string()});
+    EXPECT_EQ(run.exitStatus, test.exitStatus) << run.err;
+    EXPECT_EQ(run.out, test.out.empty() ? "" : test.out + "\n");
+    EXPECT_NE(run.err.find(test.errPart), std::string::npos) << run.err;
+  }
+}
+
+TEST(KoviWorkingCommandTest, HashAndJournalKey) {
+  const testing::TemporaryDirectory directory;
+  const auto checkpoint = chain(true)[1];
+  const auto file = directory.write("checkpoint.json", encodeRecord(checkpoint).dump(2));
+  const auto hash = runKovi({"working", "checkpoints", "hash", file.string()});
+  EXPECT_EQ(hash.exitStatus, 0) << hash.err;
+  EXPECT_EQ(hash.out, workingCheckpointHash(checkpoint) + "\n");
+
+  const auto ab_c = runKovi({"working", "journal", "key", "--owner", "ab", "--room", "c", "--session", "s"});
+  const auto a_bc = runKovi({"working", "journal", "key", "--owner", "a", "--room", "bc", "--session", "s"});
+  EXPECT_EQ(ab_c.exitStatus, 0);
+  EXPECT_EQ(ab_c.out, WorkingSessionJournalStore::key({"ab", "c", "s"}) + "\n");
+  EXPECT_NE(ab_c.out, a_bc.out);
+}
+
+TEST(KoviWorkingCommandTest, DecodeReencodesOrNamesTheKeyPath) {
+  const testing::TemporaryDirectory directory;
+  const std::string sessionFile = std::string(KOVI_WORKING_TEST_DATA) + "/wire/session.json";
+  const auto decoded = runKovi({"working", "decode", "session", sessionFile});
+  EXPECT_EQ(decoded.exitStatus, 0) << decoded.err;
+  EXPECT_EQ(decoded.out.substr(0, 20), R"({"id":"ses_8f2c","ro)");
+
+  const auto bad = directory.write("cohort.json", R"({"id":"c","roomID":"r","rulesHash":"h","createdAt":1,)"
+                                                  R"("expiresAt":2,"state":"open","members":[{"accountID":"a",)"
+                                                  R"("prepared":true,"ready":"yes"}]})");
+  const auto refused = runKovi({"working", "decode", "cohort", bad.string()});
+  EXPECT_EQ(refused.exitStatus, 1);
+  EXPECT_EQ(refused.out, "");
+  EXPECT_NE(refused.err.find("members[0].ready: expected a boolean"), std::string::npos) << refused.err;
+
+  EXPECT_EQ(runKovi({"working", "decode", "banana", sessionFile}).exitStatus, 2);
+  EXPECT_EQ(runKovi({"working", "decode", "session", (directory.path() / "missing.json").string()}).exitStatus, 2);
+}
+
+}  // namespace
+}  // namespace kovi

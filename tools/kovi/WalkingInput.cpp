@@ -1,0 +1,37 @@
+#include "tools/kovi/WalkingInput.h"
+
+#include <iostream>
+
+#include "KoviKit/evidence/WalkingDayWindowVerifier.h"
+
+namespace kovi::tool {
+
+void refuseInput(const std::string& reason) {
+  std::cerr << "kovi: " << reason << '\n';
+  exitStatus() = 2;
+}
+
+CLI::Option* addInstantOption(CLI::App* command, const std::string& name, std::optional<UnixMillis>& target,
+                              const std::string& description) {
+  return command
+      ->add_option_function<std::string>(
+          name,
+          [&target](const std::string& text) {
+            target = parseInstant(text);
+            if (!target) throw CLI::ValidationError("\"" + text + "\" is not an ISO 8601 instant with an offset");
+          },
+          description + " (ISO 8601 with an offset, e.g. 2026-05-04T14:37:00+03:00)")
+      ->type_name("TIME");
+}
+
+std::optional<std::vector<HealthEvidenceDayWindow>> windowsOf(const WalkingKoviRules& rules, UnixMillis start) {
+  const auto review = WalkingDayWindowVerifier::review(rules, start, WalkingDayWindowVerifier::serverWindows(rules));
+  auto windows = review.windowsForEvidence();
+  if (windows) return std::move(*windows);
+  std::cerr << "kovi: the rules yield no usable day windows (" << enumName(review.verdict) << ")\n";
+  for (const std::string& issue : review.issues) std::cerr << "  " << issue << '\n';
+  exitStatus() = 1;
+  return std::nullopt;
+}
+
+}  // namespace kovi::tool
