@@ -13,7 +13,9 @@
 #include <cstring>
 #include <limits>
 
+#include "KoviKit/attest/FileLock.h"
 #include "KoviKit/attest/OpenSslHandles.h"
+#include "KoviKit/attest/P256Key.h"
 #include "KoviKit/foundation/Base64.h"
 #include "KoviKit/foundation/CanonicalJsonWriter.h"
 #include "KoviKit/foundation/FileIO.h"
@@ -51,57 +53,6 @@ bool isKeyId(std::string_view keyId) {
   return keyId.size() == 64 && std::all_of(keyId.begin(), keyId.end(), isLowerHex);
 }
 
-std::expected<std::vector<std::uint8_t>, std::string> publicKeyDer(EVP_PKEY* key) {
-  unsigned char* der = nullptr;
-  const int length = i2d_PUBKEY(key, &der);
-  if (length <= 0) return std::unexpected(std::string("cannot encode the public key"));
-  std::vector<std::uint8_t> bytes(der, der + length);
-  OPENSSL_free(der);
-  return bytes;
-}
-
-std::expected<std::vector<std::uint8_t>, std::string> signSha256(EVP_PKEY* key, std::span<const std::uint8_t> message) {
-  openssl::MdContext context(EVP_MD_CTX_new());
-  std::size_t length = 0;
-  if (!context || EVP_DigestSignInit(context.get(), nullptr, EVP_sha256(), nullptr, key) != 1 ||
-      EVP_DigestSign(context.get(), nullptr, &length, message.data(), message.size()) != 1) {
-    return std::unexpected(std::string("cannot start an ECDSA signature"));
-  }
-  std::vector<std::uint8_t> signature(length);
-  if (EVP_DigestSign(context.get(), signature.data(), &length, message.data(), message.size()) != 1) {
-    return std::unexpected(std::string("ECDSA signing failed"));
-  }
-  signature.resize(length);
-  return signature;
-}
-
-// Holds an exclusive advisory lock on a file for as long as it lives.
-class FileLock {
- public:
-  static std::expected<FileLock, std::string> acquire(const std::filesystem::path& path) {
-    const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    if (fd < 0) return std::unexpected("cannot open " + path.string() + ": " + std::strerror(errno));
-    while (::flock(fd, LOCK_EX) != 0) {
-      if (errno == EINTR) continue;
-      const std::string reason = "cannot lock " + path.string() + ": " + std::strerror(errno);
-      ::close(fd);
-      return std::unexpected(reason);
-    }
-    return FileLock(fd);
-  }
-  FileLock(FileLock&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  FileLock(const FileLock&) = delete;
-  FileLock& operator=(const FileLock&) = delete;
-  FileLock& operator=(FileLock&&) = delete;
-  ~FileLock() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-
- private:
-  explicit FileLock(int fd) : fd_(fd) {}
-  int fd_;
-};
-
 std::string counterText(std::int64_t counter) {
   CanonicalJsonWriter writer;
   writer.beginObject().key("counter").value(counter).endObject();
@@ -125,11 +76,9 @@ std::expected<openssl::Pkey, std::string> loadKey(const std::filesystem::path& d
     if (pem.error().failure == FileReadFailure::missing) return std::unexpected("no device key " + std::string(keyId));
     return std::unexpected("cannot read " + path.string() + ": " + pem.error().detail);
   }
-  openssl::Bio bio(BIO_new_mem_buf(pem->data(), static_cast<int>(pem->size())));
-  openssl::Pkey key(bio ? PEM_read_bio_PrivateKey(bio.get(), nullptr, nullptr, nullptr) : nullptr);
-  OPENSSL_cleanse(pem->data(), pem->size());
-  if (!key || EVP_PKEY_is_a(key.get(), "EC") != 1) return std::unexpected(path.string() + " is not an EC private key");
-  auto der = publicKeyDer(key.get());
+  auto key = p256PrivateKeyFromPem(*pem);
+  if (!key) return std::unexpected(path.string() + " is not an EC private key");
+  auto der = p256PublicKeyDer(key->get());
   if (!der) return std::unexpected(der.error());
   if (lowercaseHex(sha256(*der)) != keyId) return std::unexpected(path.string() + " holds another key than its name");
   return key;
@@ -151,24 +100,19 @@ std::expected<std::shared_ptr<EVP_PKEY>, std::string> SoftwareDeviceKeyService::
 std::expected<std::string, AppAttestError> SoftwareDeviceKeyService::generateKey() {
   openssl::Pkey key(EVP_EC_gen("P-256"));
   if (!key) return std::unexpected(failure("attestation_failed", "cannot generate a P-256 key"));
-  auto der = publicKeyDer(key.get());
+  auto der = p256PublicKeyDer(key.get());
   if (!der) return std::unexpected(failure("attestation_failed", der.error()));
   std::string keyId = lowercaseHex(sha256(*der));
 
-  openssl::Bio bio(BIO_new(BIO_s_mem()));
-  if (!bio || PEM_write_bio_PrivateKey(bio.get(), key.get(), nullptr, nullptr, 0, nullptr, nullptr) != 1) {
-    return std::unexpected(failure("attestation_failed", "cannot encode the private key"));
-  }
-  char* pemData = nullptr;
-  const long pemLength = BIO_get_mem_data(bio.get(), &pemData);
+  auto pem = p256PrivateKeyPem(key.get());
+  if (!pem) return std::unexpected(failure("attestation_failed", pem.error()));
   // The counter exists before the key does, so a key file never stands
   // without the counter that guards it.
   if (auto written = writeFileAtomically(keyDirectory_ / (keyId + ".counter"), counterText(0), kOwnerOnly); !written) {
     return std::unexpected(failure("attestation_failed", written.error()));
   }
-  auto written = writeFileAtomically(keyDirectory_ / (keyId + ".pem"),
-                                     std::string_view(pemData, static_cast<std::size_t>(pemLength)), kOwnerOnly);
-  OPENSSL_cleanse(pemData, static_cast<std::size_t>(pemLength));
+  auto written = writeFileAtomically(keyDirectory_ / (keyId + ".pem"), *pem, kOwnerOnly);
+  OPENSSL_cleanse(pem->data(), pem->size());
   if (!written) return std::unexpected(failure("attestation_failed", written.error()));
   return keyId;
 }
@@ -177,7 +121,7 @@ std::expected<std::vector<std::uint8_t>, AppAttestError> SoftwareDeviceKeyServic
     std::string_view keyId) const {
   auto key = loadedKey(keyId);
   if (!key) return std::unexpected(failure("attestation_failed", key.error()));
-  auto der = publicKeyDer(key->get());
+  auto der = p256PublicKeyDer(key->get());
   if (!der) return std::unexpected(failure("attestation_failed", der.error()));
   return *der;
 }
@@ -186,9 +130,9 @@ std::expected<std::vector<std::uint8_t>, AppAttestError> SoftwareDeviceKeyServic
     std::string_view keyId, const Sha256Digest& clientDataHash) {
   auto key = loadedKey(keyId);
   if (!key) return std::unexpected(failure("attestation_failed", key.error()));
-  auto der = publicKeyDer(key->get());
+  auto der = p256PublicKeyDer(key->get());
   if (!der) return std::unexpected(failure("attestation_failed", der.error()));
-  auto signature = signSha256(key->get(), clientDataHash);
+  auto signature = p256SignSha256(key->get(), clientDataHash);
   if (!signature) return std::unexpected(failure("attestation_failed", signature.error()));
   CanonicalJsonWriter writer;
   writer.beginObject()
@@ -241,7 +185,7 @@ std::expected<AppAttestAssertion, AppAttestError> SoftwareDeviceKeyService::gene
   }
   std::vector<std::uint8_t> message = assertion.authenticatorData;
   message.insert(message.end(), clientDataHash.begin(), clientDataHash.end());
-  auto signature = signSha256(key->get(), message);
+  auto signature = p256SignSha256(key->get(), message);
   if (!signature) return std::unexpected(failure("assertion_failed", signature.error()));
   assertion.signature = std::move(*signature);
   return assertion;

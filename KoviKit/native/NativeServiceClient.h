@@ -66,9 +66,12 @@ class NativeServiceClient {
   // The user's text for an error of this client.
   std::string message(const NativeAccountError& error) const { return error.message(errors_); }
 
- private:
+  // The same call with the successful answer's body as it came, for areas
+  // that decode it more strictly than `send` (the wallet refuses repeated keys).
   std::expected<std::string, NativeAccountError> sendForBody(std::string_view path, std::optional<std::string> body,
                                                              std::optional<std::string> token);
+
+ private:
 
   std::string endpoint_;
   const NativeErrorTable& errors_;

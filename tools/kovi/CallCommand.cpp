@@ -2,7 +2,6 @@
 // body or with the error the apps would see.
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <expected>
 #include <iostream>
 #include <memory>

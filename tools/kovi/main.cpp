@@ -33,6 +33,9 @@ int main(int argc, char** argv) {
   kovi::tool::addWalkingCommands(app);
   kovi::tool::addInviteCommands(app);
   kovi::tool::addRulesCommands(app);
+  kovi::tool::addWalletCommands(app);
+  kovi::tool::addWalletOperationCommands(app);
+  kovi::tool::addWalletPasskeyCommands(app);
   kovi::tool::addEvidenceReadCommands(app);
   kovi::tool::addWorkingRecordCommands(app);
   kovi::tool::addWorkingFenceCommands(app);

@@ -1,0 +1,213 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "KoviKit/wallet/V6WalletKovi.h"
+#include "KoviKit/wallet/V6WalletRequest.h"
+#include "KoviKit/wallet/V6WalletResponse.h"
+
+namespace kovi {
+namespace {
+
+constexpr std::string_view kWalkingRules =
+    R"({"mode":"goal","goalMode":"total","durationDays":2,"stepTarget":20000,"exitPenaltyBps":0,)"
+    R"("payoutRule":"equalSuccessful","rankPayoutsBps":[],"verificationWindowHours":24})";
+
+V6WalletDraft walkingDraft() {
+  auto draft = decodeV6WalletJson<V6WalletDraft>(
+      std::string(R"({"domain":"walking","title":"Yürüyüş","salt":"s1","invitees":["a"],"stakeAmount":"0.5",)") +
+      R"("capacity":3,"joinDeadline":1700000000,"rules":)" + std::string(kWalkingRules) +
+      R"(,"start":{"mode":"walkingFixedStart","startsAt":1700003600}})");
+  EXPECT_TRUE(draft.has_value()) << draft.error().message();
+  return *draft;
+}
+
+struct RequestCase {
+  std::string name;
+  V6WalletRequest request;
+  std::string encoded;
+};
+
+void PrintTo(const RequestCase& example, std::ostream* out) { *out << example.name; }
+
+std::vector<RequestCase> requestCases() {
+  V6WalletRequest status;
+  status.action = "operation";
+  status.requestId = "r9";
+
+  V6WalletRequest prepare;
+  prepare.action = "prepareOperation";
+  prepare.requestId = "0f0e0d0c-0b0a-4908-8706-050403020100";
+  prepare.intent = V6WalletIntent{"create", std::nullopt, walkingDraft(), "digest", std::nullopt, true};
+
+  V6WalletRequest approve;
+  approve.action = "approveOperation";
+  approve.requestId = "r1";
+  approve.assertion = V6WalletStringMap{{"signature", "c2ln"}, {"credentialId", "aWQ"}};
+
+  // Every field set: the order is the request's, not the alphabet's.
+  V6WalletRequest every;
+  every.action = "x";
+  every.requestId = "r";
+  every.reference = "KOVI-AAAA";
+  every.cursor = "c";
+  every.destination = "d";
+  every.code = "KOVI-ABCD-EFGH";
+  every.address = "0xab";
+  every.day = "2026-11-22";
+  every.steps = 12000;
+
+  return {
+      {"status check carries the action and id only", status, R"({"action":"operation","requestId":"r9"})"},
+      {"prepare nests the intent and the draft in declared order",
+       prepare,
+       R"({"action":"prepareOperation","requestId":"0f0e0d0c-0b0a-4908-8706-050403020100","intent":{"kind":"create",)"
+       R"("draft":{"domain":"walking","title":"Yürüyüş","salt":"s1","invitees":["a"],"stakeAmount":"0.5","capacity":3,)"
+       R"("joinDeadline":1700000000,"rules":{"durationDays":2,"exitPenaltyBps":0,"goalMode":"total","mode":"goal",)"
+       R"("payoutRule":"equalSuccessful","rankPayoutsBps":[],"stepTarget":20000,"verificationWindowHours":24},)"
+       R"("start":{"mode":"walkingFixedStart","startsAt":1700003600}},"reviewDigest":"digest","approved":true}})"},
+      {"approve carries the assertion", approve,
+       R"({"action":"approveOperation","requestId":"r1","assertion":{"credentialId":"aWQ","signature":"c2ln"}})"},
+      {"every key in the request's order", every,
+       R"({"action":"x","requestId":"r","reference":"KOVI-AAAA","cursor":"c","destination":"d",)"
+       R"("code":"KOVI-ABCD-EFGH","address":"0xab","day":"2026-11-22","steps":12000})"},
+  };
+}
+
+class V6WalletRequestTest : public ::testing::TestWithParam<RequestCase> {};
+
+TEST_P(V6WalletRequestTest, EncodesKeysInOrderAndLeavesAbsentOnesOut) {
+  EXPECT_EQ(encodeV6WalletRequest(GetParam().request), GetParam().encoded);
+}
+
+INSTANTIATE_TEST_SUITE_P(Requests, V6WalletRequestTest, ::testing::ValuesIn(requestCases()));
+
+TEST(V6WalletRequestTest, RequestIdsAreFreshVersion4Uuids) {
+  const std::string first = makeV6WalletRequestId();
+  EXPECT_TRUE(std::regex_match(first, std::regex("[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}")))
+      << first;
+  EXPECT_NE(first, makeV6WalletRequestId());
+}
+
+constexpr std::string_view kHash = "0x00112233445566778899aabbccddeeff00112233445566778899AABBCCDDEEFF";
+
+std::string operationJson(std::string_view status, std::string_view extra = "") {
+  return std::string(R"({"requestId":"r1","protocol":"kovi-v6","revision":3,"status":")") + std::string(status) +
+         R"(","signed":false,"createdAt":1700000000.25,"expiresAt":1700000900.5,"userOperationHash":")" +
+         std::string(kHash) + "\"" + std::string(extra) + "}";
+}
+
+TEST(V6WalletOperationTest, DecodesTheServersOperationAndEncodesItBack) {
+  const auto decoded = decodeV6WalletJson<V6WalletResponse>(
+      R"({"chainTime":"1700000001","operation":)" +
+      operationJson("prepared", R"(,"operation":{"sender":"0x1","nonce":"7"},"plan":{"steps":[1,2]},)"
+                                R"("review":{"requested":"join","domain":"working","termsHash":"t","join":{"koviId":"5",)"
+                                R"("termsHash":"t","recipient":"0x2","inviteEpoch":2,"deadline":99,"nonce":"n",)"
+                                R"("signature":"s"}},"newerField":true)") +
+      R"(,"somethingNew":1})");
+  ASSERT_TRUE(decoded.has_value()) << decoded.error().message();
+  const V6WalletOperation& operation = *decoded->operation;
+  EXPECT_EQ(operation.status, V6WalletOperationStatus::prepared);
+  EXPECT_EQ(operation.expiresAt, 1700000900.5);
+  EXPECT_EQ(hexBytes(*operation.userOperationHash).size(), 32u);
+  EXPECT_EQ(hexBytes(*operation.userOperationHash).back(), 0xff);
+  EXPECT_EQ(operation.review->join->deadline, 99);
+  EXPECT_EQ(operation.review->domain, V6WalletDomain::working);
+  EXPECT_EQ(operation.operation->at("nonce"), "7");
+  // What the store writes reads back as the same operation.
+  const auto again = decodeV6WalletJson<V6WalletOperation>(encodeRecord(operation).dump());
+  ASSERT_TRUE(again.has_value()) << again.error().message();
+  EXPECT_EQ(*again, operation);
+}
+
+struct RefusalCase {
+  std::string name;
+  std::string document;
+  std::string message;
+};
+
+void PrintTo(const RefusalCase& example, std::ostream* out) { *out << example.name; }
+
+class V6WalletResponseRefusalTest : public ::testing::TestWithParam<RefusalCase> {};
+
+TEST_P(V6WalletResponseRefusalTest, RefusesWithThePlaceAndReason) {
+  const auto decoded = decodeV6WalletJson<V6WalletResponse>(GetParam().document);
+  ASSERT_FALSE(decoded.has_value());
+  EXPECT_EQ(decoded.error().message(), GetParam().message);
+}
+
+std::string nested(int depth) { return std::string(depth, '[') + std::string(depth, ']'); }
+
+INSTANTIATE_TEST_SUITE_P(
+    Refusals, V6WalletResponseRefusalTest,
+    ::testing::Values(
+        RefusalCase{"unknown status", R"({"operation":)" + operationJson("pending") + "}",
+                    "operation.status: unknown value \"pending\""},
+        RefusalCase{"short hash", R"({"operation":)" + operationJson("prepared", R"(,"transactionHash":"0xab")") + "}",
+                    "operation.transactionHash: expected 0x and 64 hex digits"},
+        RefusalCase{"repeated key inside the operation",
+                    R"({"operation":)" + operationJson("prepared", R"(,"status":"confirmed")") + "}",
+                    "key \"status\" appears more than once"},
+        RefusalCase{"missing expiry", R"({"operation":{"requestId":"r","protocol":"p","revision":1,)"
+                                      R"("status":"prepared","signed":false,"createdAt":1}})",
+                    "operation.expiresAt: missing key"},
+        RefusalCase{"plan nested too deeply", R"({"facts":)" + nested(70) + "}", "nested deeper than 64 levels"},
+        RefusalCase{"user operation field not a string",
+                    R"({"operation":)" + operationJson("prepared", R"(,"operation":{"nonce":7})") + "}",
+                    "operation.operation.nonce: expected a string, found a number"},
+        RefusalCase{"not JSON", "{\"operation\":", "not valid JSON"}));
+
+struct KoviCase {
+  std::string registryAddress;
+  std::string koviId;
+  std::optional<std::string> message;
+};
+
+class V6WalletKoviTest : public ::testing::TestWithParam<KoviCase> {};
+
+TEST_P(V6WalletKoviTest, ChecksRegistryAddressAndKoviNumber) {
+  const std::string document = R"({"chainId":84532,"reference":"KOVI-AAAA","registryAddress":")" +
+                               GetParam().registryAddress + R"(","koviId":")" + GetParam().koviId +
+                               R"(","domain":"walking","creator":"0x1","termsHash":"t","deploymentFingerprint":"f"})";
+  const auto decoded = decodeV6WalletJson<V6WalletKovi>(document);
+  if (!GetParam().message) {
+    ASSERT_TRUE(decoded.has_value()) << decoded.error().message();
+    EXPECT_EQ(decoded->koviId.text, GetParam().koviId);
+  } else {
+    ASSERT_FALSE(decoded.has_value());
+    EXPECT_EQ(decoded.error().message(), *GetParam().message);
+  }
+}
+
+const std::string kAddress = "0x" + std::string(40, 'a');
+const std::string kIdReason = "expected a positive decimal number of at most 78 digits without leading zeros";
+
+INSTANTIATE_TEST_SUITE_P(
+    Kovis, V6WalletKoviTest,
+    ::testing::Values(KoviCase{kAddress, "1", std::nullopt}, KoviCase{"0x" + std::string(40, 'F'), "9" + std::string(77, '9'), std::nullopt},
+                      KoviCase{kAddress, "1" + std::string(78, '0'), "koviId: " + kIdReason},
+                      KoviCase{kAddress, "0", "koviId: " + kIdReason}, KoviCase{kAddress, "07", "koviId: " + kIdReason},
+                      KoviCase{"0x" + std::string(39, 'a'), "1", "registryAddress: expected 0x and 40 hex digits"},
+                      KoviCase{"0X" + std::string(40, 'a'), "1", "registryAddress: expected 0x and 40 hex digits"},
+                      KoviCase{"0x" + std::string(39, 'a') + "g", "1", "registryAddress: expected 0x and 40 hex digits"}));
+
+TEST(V6WalletDraftTest, ChecksTheRulesWithTheDomainsOwnRules) {
+  V6WalletDraft draft = walkingDraft();
+  EXPECT_TRUE(checkV6WalletDraft(draft).has_value());
+  draft.rules.erase("durationDays");
+  const auto missing = checkV6WalletDraft(draft);
+  ASSERT_FALSE(missing.has_value());
+  EXPECT_EQ(missing.error().message(), "rules.durationDays: missing key");
+  // The same walking rules are not a working rule set.
+  draft = walkingDraft();
+  draft.domain = V6WalletDomain::working;
+  EXPECT_FALSE(checkV6WalletDraft(draft).has_value());
+  draft = walkingDraft();
+  draft.capacity = 0;
+  EXPECT_EQ(checkV6WalletDraft(draft).error().message(), "capacity: must be at least 1");
+}
+
+}  // namespace
+}  // namespace kovi
