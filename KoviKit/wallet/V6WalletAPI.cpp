@@ -19,7 +19,7 @@ V6WalletAPI::Result<V6WalletResponse> V6WalletAPI::call(const V6WalletRequest& r
                                                         const std::optional<std::string>& token) {
   auto body = sendForBody("", encodeV6WalletRequest(request), token);
   if (!body) return std::unexpected(body.error());
-  auto response = decodeV6WalletJson<V6WalletResponse>(*body);
+  auto response = decodeJsonText<V6WalletResponse>(*body);
   if (!response) return std::unexpected(NativeAccountError::invalidResponse());
   return std::move(*response);
 }

@@ -1,6 +1,5 @@
 #include "KoviKit/wallet/V6WalletJson.h"
 
-#include <set>
 #include <vector>
 
 namespace kovi {
@@ -8,11 +7,11 @@ namespace {
 
 bool isHexDigit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
-// Copies a parsed value into key-ordered form. The parse already refused
-// nesting beyond the limit; the depth is checked again so the recursion is
-// bounded whatever document it is handed.
+// Copies a parsed value into key-ordered form. The parse already refused deep
+// nesting; the depth is checked again so the recursion is bounded whatever
+// document it is handed.
 Decoded<nlohmann::ordered_json> copyValue(const JsonView& json, int depth) {
-  if (depth > kV6WalletJsonDepthLimit) return std::unexpected(json.error("nested too deeply"));
+  if (depth > kJsonMaximumDepth) return std::unexpected(json.error("nested too deeply"));
   const nlohmann::json& value = json.json();
   if (value.is_object()) {
     nlohmann::ordered_json object = nlohmann::ordered_json::object();
@@ -41,33 +40,6 @@ Decoded<nlohmann::ordered_json> copyValue(const JsonView& json, int depth) {
 }
 
 }  // namespace
-
-Decoded<nlohmann::json> parseV6WalletJson(std::string_view text) {
-  // The parser reports each key as it reads it; one key set per open object
-  // finds a repeat, which nlohmann would otherwise resolve by keeping the last.
-  std::vector<std::set<std::string>> openObjects;
-  std::string repeated;
-  bool tooDeep = false;
-  const auto watch = [&](int depth, nlohmann::json::parse_event_t event, nlohmann::json& parsed) {
-    using Event = nlohmann::json::parse_event_t;
-    if (depth > kV6WalletJsonDepthLimit) tooDeep = true;
-    if (event == Event::object_start) {
-      openObjects.emplace_back();
-    } else if (event == Event::object_end) {
-      if (!openObjects.empty()) openObjects.pop_back();
-    } else if (event == Event::key && !openObjects.empty() && repeated.empty()) {
-      if (!openObjects.back().insert(parsed.get<std::string>()).second) repeated = parsed.get<std::string>();
-    }
-    return true;
-  };
-  nlohmann::json document = nlohmann::json::parse(text, watch, /*allow_exceptions=*/false);
-  if (document.is_discarded()) return std::unexpected(DecodeError{"", "not valid JSON"});
-  if (tooDeep) {
-    return std::unexpected(DecodeError{"", "nested deeper than " + std::to_string(kV6WalletJsonDepthLimit) + " levels"});
-  }
-  if (!repeated.empty()) return std::unexpected(DecodeError{"", "key \"" + repeated + "\" appears more than once"});
-  return document;
-}
 
 template <std::size_t Bytes>
 std::optional<std::string> V6HexForm<Bytes>::refusal(std::string_view text) {
@@ -98,17 +70,6 @@ template struct V6HexForm<20>;
 template struct V6HexForm<32>;
 template std::vector<std::uint8_t> hexBytes(const V6FormedString<V6HexForm<20>>&);
 template std::vector<std::uint8_t> hexBytes(const V6FormedString<V6HexForm<32>>&);
-
-Decoded<V6WalletStringMap> JsonDecoder<V6WalletStringMap>::decode(const JsonView& json) {
-  if (auto object = json.requireObject(); !object) return std::unexpected(object.error());
-  V6WalletStringMap map;
-  for (const auto& [key, value] : json.json().items()) {
-    auto text = json.child(key, value).as<std::string>();
-    if (!text) return std::unexpected(text.error());
-    map.emplace(key, std::move(*text));
-  }
-  return map;
-}
 
 Decoded<nlohmann::ordered_json> JsonDecoder<nlohmann::ordered_json>::decode(const JsonView& json) {
   return copyValue(json, 0);

@@ -1,11 +1,11 @@
 #pragma once
 
-// JSON pieces the wallet records share: strict parsing of the service's
-// answers and of stored operations (they decide what the passkey signs, so a
-// repeated key or an absurdly deep value is refused, never resolved), raw
-// values the wallet carries without interpreting (the server plan, an
-// allocation preview), string maps (a user operation, a passkey assertion)
-// and strings that must match a fixed form.
+// JSON pieces the wallet records share: raw values the wallet carries without
+// interpreting (the server plan, an allocation preview) and strings that must
+// match a fixed form. Wallet answers and stored operations decide what the
+// passkey signs, so they are read through foundation's strict parser, which
+// refuses a repeated key or an absurdly deep value; string maps (a user
+// operation, a passkey assertion) decode through the record coding's maps.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,23 +16,9 @@
 #include <vector>
 
 #include "KoviKit/foundation/Json.h"
+#include "KoviKit/foundation/JsonRecordCoding.h"
 
 namespace kovi {
-
-// How deep objects and arrays may nest in a wallet document.
-inline constexpr int kV6WalletJsonDepthLimit = 64;
-
-// Parses a wallet document: a syntax error, a key repeated inside one object
-// or nesting deeper than `kV6WalletJsonDepthLimit` is a DecodeError.
-Decoded<nlohmann::json> parseV6WalletJson(std::string_view text);
-
-// Parses and decodes a wallet document in one step.
-template <class T>
-Decoded<T> decodeV6WalletJson(std::string_view text) {
-  auto document = parseV6WalletJson(text);
-  if (!document) return std::unexpected(document.error());
-  return JsonView(*document).as<T>();
-}
 
 // A string that must match a fixed form. `Form` names it:
 //   static std::optional<std::string> refusal(std::string_view text);
@@ -83,11 +69,6 @@ extern template struct V6HexForm<20>;
 extern template struct V6HexForm<32>;
 
 using V6WalletStringMap = std::map<std::string, std::string>;
-
-template <>
-struct JsonDecoder<V6WalletStringMap> {
-  static Decoded<V6WalletStringMap> decode(const JsonView& json);
-};
 
 // Any JSON value, kept as the service sent it.
 template <>

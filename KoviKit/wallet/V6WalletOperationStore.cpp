@@ -78,7 +78,7 @@ std::expected<std::optional<V6WalletOperation>, V6WalletOperationStoreError> V6W
         return std::unexpected(V6WalletOperationStoreError{Kind::unreadable, path, bytes.error().detail});
     }
   }
-  auto document = parseV6WalletJson(*bytes);
+  auto document = parseJson(*bytes);
   if (!document) return std::unexpected(V6WalletOperationStoreError{Kind::corrupt, path, document.error().message()});
   // The version is looked at first, so a newer file is never called corrupt.
   const JsonView root(*document);

@@ -20,12 +20,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (matches != !kovi::V6StakeForm::refusal(text).has_value()) __builtin_trap();
   }
 
-  const auto response = kovi::decodeV6WalletJson<kovi::V6WalletResponse>(text);
+  const auto response = kovi::decodeJsonText<kovi::V6WalletResponse>(text);
   if (!response) return 0;
   std::vector<kovi::V6WalletOperation> operations = response->operations.value_or(std::vector<kovi::V6WalletOperation>{});
   if (response->operation) operations.push_back(*response->operation);
   for (const auto& operation : operations) {
-    const auto again = kovi::decodeV6WalletJson<kovi::V6WalletOperation>(kovi::encodeRecord(operation).dump());
+    const auto again = kovi::decodeJsonText<kovi::V6WalletOperation>(kovi::encodeRecord(operation).dump());
     if (!again || !(*again == operation)) __builtin_trap();
   }
   return 0;

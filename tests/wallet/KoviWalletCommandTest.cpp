@@ -50,7 +50,7 @@ TEST(KoviWalletRequestTest, PrintsTheRequestAsSentOrNamesWhereItIsWrong) {
   const auto repeated = directory.write("repeated.json", R"({"action": "operation", "action": "cancelOperation"})");
   const auto refused = runKovi({"wallet", "request", repeated.string()});
   EXPECT_EQ(refused.exitStatus, 2);
-  EXPECT_EQ(refused.err, "kovi wallet: " + repeated.string() + ": key \"action\" appears more than once\n");
+  EXPECT_EQ(refused.err, "kovi wallet: " + repeated.string() + ": action: duplicate key\n");
 
   const auto badStake = directory.write(
       "stake.json", R"({"action":"prepareOperation","intent":{"kind":"create","reviewDigest":"d","approved":true,)"

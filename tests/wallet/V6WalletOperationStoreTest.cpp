@@ -73,12 +73,14 @@ TEST_P(V6WalletOperationStoreDamageTest, ReportsTheFileAndNeverOverwritesIt) {
 
 INSTANTIATE_TEST_SUITE_P(
     Damage, V6WalletOperationStoreDamageTest,
-    ::testing::Values(DamagedCase{"cut short", R"({"version":1,"operation":{"requestId")", Error::Kind::corrupt, "not valid JSON"},
+    ::testing::Values(DamagedCase{"cut short", R"({"version":1,"operation":{"requestId")", Error::Kind::corrupt,
+                                  "not valid JSON at line 1, column 38: syntax error while parsing object separator - "
+                                  "unexpected end of input; expected ':'"},
                       DamagedCase{"operation missing", R"({"version":1})", Error::Kind::corrupt, "operation: missing key"},
                       DamagedCase{"unknown key", R"({"version":1,"operation":{},"extra":1})", Error::Kind::corrupt,
                                   "extra: unknown key"},
                       DamagedCase{"repeated key", R"({"version":1,"version":1,"operation":{}})", Error::Kind::corrupt,
-                                  "key \"version\" appears more than once"},
+                                  "version: duplicate key"},
                       DamagedCase{"newer version", R"({"version":2,"operation":{"shape":"new"}})",
                                   Error::Kind::unsupportedVersion, "version 2"}));
 

@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(V6WalletDraftTest, RefusesABadStakeAtItsKey) {
   const std::string draft = R"({"domain":"walking","title":"t","salt":"s","invitees":[],"stakeAmount":"01",
       "capacity":2,"joinDeadline":1,"rules":{}})";
-  const auto decoded = decodeV6WalletJson<V6WalletDraft>(draft);
+  const auto decoded = decodeJsonText<V6WalletDraft>(draft);
   ASSERT_FALSE(decoded.has_value());
   EXPECT_EQ(decoded.error().message(), "stakeAmount: the whole part has a leading zero");
 }

@@ -34,7 +34,7 @@ std::optional<T> decodeWalletFile(const std::string& path) {
     refuseWalletInput(text.error());
     return std::nullopt;
   }
-  auto decoded = decodeV6WalletJson<T>(*text);
+  auto decoded = decodeJsonText<T>(*text);
   if (!decoded) {
     refuseWalletInput(path + ": " + decoded.error().message());
     return std::nullopt;
