@@ -6,11 +6,6 @@
 
 namespace kovi::tool {
 
-void refuseInput(const std::string& reason) {
-  std::cerr << "kovi: " << reason << '\n';
-  exitStatus() = 2;
-}
-
 CLI::Option* addInstantOption(CLI::App* command, const std::string& name, std::optional<UnixMillis>& target,
                               const std::string& description) {
   return command

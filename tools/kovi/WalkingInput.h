@@ -15,9 +15,6 @@
 
 namespace kovi::tool {
 
-// Reports a problem with the command's input and ends it with status 2.
-void refuseInput(const std::string& reason);
-
 // FILE decoded as T; nullopt after reporting why not (status 2).
 template <class T>
 std::optional<T> decodeFile(const std::string& path) {
