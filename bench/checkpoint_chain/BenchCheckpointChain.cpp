@@ -12,6 +12,7 @@
 
 #include "KoviKit/foundation/Sha256.h"
 #include "KoviKit/working/WorkingCheckpointChain.h"
+#include "bench/BenchMedianRatio.h"
 
 namespace {
 
@@ -58,21 +59,6 @@ void verifyChain(benchmark::State& state) {
   }
 }
 
-// Remembers each benchmark's median time per iteration for the closing ratio.
-class TimeKeeper : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.run_type != Run::RT_Aggregate || run.aggregate_name != "median") continue;
-      wallTimes[run.run_name.function_name] = run.GetAdjustedRealTime();
-      cpuTimes[run.run_name.function_name] = run.GetAdjustedCPUTime();
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  std::map<std::string, double> wallTimes;
-  std::map<std::string, double> cpuTimes;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -82,14 +68,8 @@ int main(int argc, char** argv) {
                            benchmark::RegisterBenchmark("verify_chain", verifyChain)}) {
     registered->Repetitions(7)->ReportAggregatesOnly(true)->Unit(benchmark::kMillisecond);
   }
-  TimeKeeper keeper;
+  kovi::bench::MedianKeeper keeper;
   benchmark::RunSpecifiedBenchmarks(&keeper);
   benchmark::Shutdown();
-  const double baseline = keeper.wallTimes["hash_canonical_texts"];
-  const double cpuBaseline = keeper.cpuTimes["hash_canonical_texts"];
-  if (baseline <= 0 || cpuBaseline <= 0) return 1;
-  const double ratio = keeper.wallTimes["verify_chain"] / baseline;
-  std::printf("ratio: verify_chain/hash_canonical_texts = %.2fx wall time, %.2fx CPU time (target <= 2x: %s)\n", ratio,
-              keeper.cpuTimes["verify_chain"] / cpuBaseline, ratio <= 2.0 ? "met" : "missed");
-  return 0;
+  return keeper.printRatio("verify_chain", "hash_canonical_texts", 2.0) ? 0 : 1;
 }

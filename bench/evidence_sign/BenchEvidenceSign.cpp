@@ -20,6 +20,7 @@
 
 #include "KoviKit/attest/SoftwareDeviceKeyService.h"
 #include "KoviKit/evidence/V6EvidencePendingStore.h"
+#include "bench/BenchMedianRatio.h"
 
 namespace {
 
@@ -150,20 +151,6 @@ void pendingWrite(benchmark::State& state) {
   }
 }
 
-// Keeps the median real time of each benchmark for the closing ratios.
-class MedianReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
-        medians[run.run_name.function_name] = run.GetAdjustedRealTime();
-      }
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  std::map<std::string, double> medians;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -176,16 +163,11 @@ int main(int argc, char** argv) {
        }) {
     registered->Repetitions(7)->ReportAggregatesOnly(true)->Unit(benchmark::kMicrosecond);
   }
-  MedianReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
+  kovi::bench::MedianKeeper keeper;
+  benchmark::RunSpecifiedBenchmarks(&keeper);
   std::filesystem::remove_all(benchDirectory());
-  const auto ratio = [&](const char* subject, const char* baseline) {
-    return reporter.medians[subject] / reporter.medians[baseline];
-  };
-  std::printf("signing ratio (envelope + hash + assertion / bare ECDSA sign): %.2fx (target <= 1.30x)\n",
-              ratio("envelope_hash_assert", "bare_ecdsa_sign_32_bytes"));
-  std::printf("keeping ratio (pending record write / bare write + fsync + rename): %.2fx (target <= 1.20x)\n",
-              ratio("pending_record_write", "bare_write_fsync_rename"));
   benchmark::Shutdown();
-  return 0;
+  const bool signing = keeper.printRatio("envelope_hash_assert", "bare_ecdsa_sign_32_bytes", 1.3);
+  const bool keeping = keeper.printRatio("pending_record_write", "bare_write_fsync_rename", 1.2);
+  return signing && keeping ? 0 : 1;
 }
