@@ -11,7 +11,7 @@ struct PhaseText {
   std::string_view message;
 };
 
-// Where the design gives a phase one sentence only, that sentence is the
+// Where a phase has one sentence of its own only, that sentence is the
 // message and the title is a short heading in the same voice.
 PhaseText textOf(WalletCeremonyPhase::Kind kind) {
   using Kind = WalletCeremonyPhase::Kind;
