@@ -213,7 +213,7 @@ TEST(EvidenceReadCursorFileStorageTest, DuplicateKeysAndUnusableFilesAreReported
   auto loaded = storage.loadRecord(kScope);
   ASSERT_FALSE(loaded.has_value());
   EXPECT_EQ(loaded.error().error, EvidenceReadError::invalidStoredCursor);
-  EXPECT_NE(loaded.error().detail.find("\"version\" appears twice"), std::string::npos);
+  EXPECT_NE(loaded.error().detail.find("version: duplicate key"), std::string::npos);
 
   // A file where the cursor folder belongs: nothing can be stored there.
   const auto blocked = directory.write("blocked", "");

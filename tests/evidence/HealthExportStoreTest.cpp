@@ -141,7 +141,7 @@ INSTANTIATE_TEST_SUITE_P(
                      false, "ends before it starts"},
         BrokenExport{"deepNesting", deepNesting(100), false, "nested deeper than 32"},
         BrokenExport{"jsonDuplicateKey", R"([{"start": 1, "start": 2, "end": 3, "value": 1, "source": "x"}])", false,
-                     "\"start\" appears twice"},
+                     "[0].start: duplicate key"},
         BrokenExport{"jsonEndBeforeStart", R"([{"start": 5, "end": 3, "value": 1, "source": "x"}])", false,
                      "[0]: end before start"},
         BrokenExport{"jsonFarInstant", R"([{"start": 0, "end": 9223372036854775807, "value": 1, "source": "x"}])",

@@ -56,7 +56,7 @@ TEST(HealthShareConsentStoreTest, ADocumentThatDoesNotDecodeIsNeverOverwrittenSi
   const std::vector<std::pair<std::string, std::string>> documents{
       {"{\"version\": 1, \"accounts\": {\"a\": {\"requestedAccess\": \"yes\", \"autoShare\": true}}}",
        "accounts.a.requestedAccess"},
-      {"{\"version\": 1, \"accounts\": {\"a\": {}, \"a\": {}}}", "appears twice"},
+      {"{\"version\": 1, \"accounts\": {\"a\": {}, \"a\": {}}}", "accounts.a: duplicate key"},
       {"{\"version\": 2, \"accounts\": {}}", "version 2 is not supported"},
       {"{\"version\": 1, \"accounts\": {}, \"extra\": 1}", "extra: unknown key"},
       {"{\"requestedAccess\": true, \"autoShare\": 3}", "autoShare"},

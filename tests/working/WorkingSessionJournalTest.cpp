@@ -130,7 +130,8 @@ TEST(WorkingSessionJournalTest, StoredValuesThatDoNotFitAreCorrupt) {
 
   const std::vector<std::pair<nlohmann::json, std::string>> values = {
       {42, "not the text of a journal"},
-      {"{\"version\":1", "not valid JSON"},
+      {"{\"version\":1",
+       "not valid JSON at line 1, column 13: syntax error while parsing object - unexpected end of input; expected '}'"},
       {encodeRecord(elsewhere).dump(), "the journal belongs to another session"},
       {abandoned, "reflection: unknown value \"abandoned\""},
   };
