@@ -49,6 +49,20 @@ inline MacHoldsSnapshot examWeekSnapshot() {
   return snapshot;
 }
 
+// `snapshot` after `change`, for table rows that vary one field.
+template <class Change>
+MacHoldsSnapshot with(MacHoldsSnapshot snapshot, Change change) {
+  change(snapshot);
+  return snapshot;
+}
+
+// `snapshot` with a Social allowance record for `day` (a span open since `since`, if given).
+inline MacHoldsSnapshot withAllowance(MacHoldsSnapshot snapshot, const char* day, std::int64_t usedMS,
+                                      std::optional<const char*> since = std::nullopt) {
+  snapshot.allowance = MacFocus4Allowance{day, usedMS, since ? std::optional(millisAt(*since)) : std::nullopt};
+  return snapshot;
+}
+
 // Only an everyday sleep hold.
 inline MacHoldsSnapshot sleepSnapshot(int startMinute, int endMinute) {
   MacHoldsSnapshot snapshot;

@@ -3,13 +3,11 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <nlohmann/json.hpp>
-#include <ostream>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "KoviKit/foundation/FileIO.h"
 #include "tests/holds/HoldsTestSnapshots.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -25,13 +23,6 @@ struct Outcome {
   std::string err;
 };
 
-std::string contentsOf(const std::filesystem::path& path) {
-  std::ifstream in(path);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
 class KoviHoldsCommand : public ::testing::Test {
  protected:
   // Runs kovi-holds in Istanbul time with its data home inside the test's directory.
@@ -41,24 +32,21 @@ class KoviHoldsCommand : public ::testing::Test {
                                 KOVI_HOLDS_BINARY + "' " + arguments + " >'" + out.string() + "' 2>'" +
                                 err.string() + "'";
     const int raw = std::system(command.c_str());
-    return Outcome{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, contentsOf(out), contentsOf(err)};
+    const auto contents = [](const std::filesystem::path& file) { return readFileLimited(file, 1 << 20).value_or(""); };
+    return Outcome{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, contents(out), contents(err)};
   }
 
-  json runJson(const std::string& arguments) const {
+  // Keys stay in the order they were printed.
+  nlohmann::ordered_json runJson(const std::string& arguments) const {
     const Outcome result = run(arguments);
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_TRUE(json::accept(result.out)) << result.out;
-    return json::parse(result.out, nullptr, false);
-  }
-
-  std::string file(std::string_view name, std::string_view contents) const {
-    return directory.write(name, contents).string();
+    return nlohmann::ordered_json::parse(result.out, nullptr, false);
   }
 
   kovi::testing::TemporaryDirectory directory;
 };
 
-// Keys in the order they were printed (parse with ordered_json to keep it).
 std::vector<std::string> keysOf(const nlohmann::ordered_json& object) {
   std::vector<std::string> keys;
   for (const auto& [key, value] : object.items()) keys.push_back(key);
@@ -66,12 +54,11 @@ std::vector<std::string> keysOf(const nlohmann::ordered_json& object) {
 }
 
 TEST_F(KoviHoldsCommand, StatusJsonDescribesTheDemoStudyBlock) {
-  const json status = runJson("status --demo --json --at 2026-11-22T10:00:00+03:00");
-  const Outcome raw = run("status --demo --json --at 2026-11-22T10:00:00+03:00");
-  const auto ordered = nlohmann::ordered_json::parse(raw.out);
-  EXPECT_EQ(keysOf(ordered), (std::vector<std::string>{"snapshot", "reason", "active", "action", "due", "windows", "plan"}));
-  EXPECT_EQ(keysOf(ordered["plan"]),
+  const nlohmann::ordered_json printed = runJson("status --demo --json --at 2026-11-22T10:00:00+03:00");
+  EXPECT_EQ(keysOf(printed), (std::vector<std::string>{"snapshot", "reason", "active", "action", "due", "windows", "plan"}));
+  EXPECT_EQ(keysOf(printed["plan"]),
             (std::vector<std::string>{"runID", "mode", "allowlist", "bundleIDs", "domains", "until", "examWeek"}));
+  const json status = printed;
 
   EXPECT_EQ(status["snapshot"], "ok");
   EXPECT_TRUE(status["reason"].is_null());
@@ -85,13 +72,10 @@ TEST_F(KoviHoldsCommand, StatusJsonDescribesTheDemoStudyBlock) {
   // The plan's fields come from the planner, which its own tests check; the
   // command prints its instants as integers.
   EXPECT_EQ(status["plan"]["until"], blockEnd);
-}
 
-TEST_F(KoviHoldsCommand, StatusStandsByWhileTheMainAppRuns) {
-  const json status = runJson("status --demo --json --main-app-running --at 2026-11-22T10:00:00+03:00");
-  EXPECT_EQ(status["action"], "standBy");
-  EXPECT_EQ(status["due"]["kind"], "study");
-  EXPECT_FALSE(status["plan"].is_null());
+  const json standing = runJson("status --demo --json --main-app-running --at 2026-11-22T10:00:00+03:00");
+  EXPECT_EQ(standing["action"], "standBy");
+  EXPECT_EQ(standing["plan"], status["plan"]);
 }
 
 TEST_F(KoviHoldsCommand, StatusSaysItInASentence) {
@@ -107,24 +91,14 @@ TEST_F(KoviHoldsCommand, StatusSaysItInASentence) {
                              (directory.path() / "data/Kovi/Holds/holds.json").string() + ". The agent would exit.\n");
 }
 
-struct BrokenCase {
-  friend void PrintTo(const BrokenCase& c, std::ostream* out) { *out << c.name; }
-  const char* name;
-  std::optional<std::string> contents;  // nullopt: no file
-  const char* snapshot;
-  const char* reasonPart;
-};
-
-class KoviHoldsBrokenSnapshot : public KoviHoldsCommand, public ::testing::WithParamInterface<BrokenCase> {};
-
-TEST_P(KoviHoldsBrokenSnapshot, CountsAsNoSnapshotAndSaysWhy) {
-  const BrokenCase& c = GetParam();
-  const std::string path =
-      c.contents ? file("holds.json", *c.contents) : (directory.path() / "absent.json").string();
-  const json status = runJson("status --json --at 2026-11-22T10:00:00+03:00 --file '" + path + "'");
-  EXPECT_EQ(status["snapshot"], c.snapshot);
-  ASSERT_TRUE(status["reason"].is_string());
-  EXPECT_NE(status["reason"].get<std::string>().find(c.reasonPart), std::string::npos) << status["reason"];
+// Why the file counts as no snapshot reaches the user; which failures there
+// are is the snapshot reader's own table.
+TEST_F(KoviHoldsCommand, UndecodableSnapshotExitsAndSaysWhy) {
+  const auto file = directory.write(
+      "holds.json", R"({"version":1,"stopped":false,"syncedAt":0,"keepCommunication":true,"examWeek":{}})");
+  const json status = runJson("status --json --at 2026-11-22T10:00:00+03:00 --file '" + file.string() + "'");
+  EXPECT_EQ(status["snapshot"], "undecodable");
+  EXPECT_EQ(status["reason"], "examWeek.startDay: missing key");
   EXPECT_EQ(status["active"], false);
   EXPECT_EQ(status["action"], "exit");
   EXPECT_EQ(status["due"], (json{{"kind", "none"}, {"until", nullptr}}));
@@ -132,19 +106,10 @@ TEST_P(KoviHoldsBrokenSnapshot, CountsAsNoSnapshotAndSaysWhy) {
   EXPECT_TRUE(status["plan"].is_null());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    KoviHolds, KoviHoldsBrokenSnapshot,
-    ::testing::Values(
-        BrokenCase{"Missing", std::nullopt, "missing", "absent.json"},
-        BrokenCase{"Undecodable", R"({"version":1,"stopped":false,"syncedAt":0,"keepCommunication":true,"examWeek":{}})",
-                   "undecodable", "examWeek.startDay: missing key"},
-        BrokenCase{"NewerVersion", R"({"version":2})", "unsupportedVersion", "version 2"}),
-    [](const auto& info) { return std::string(info.param.name); });
-
 TEST_F(KoviHoldsCommand, ScheduleJsonCoversTheDemoDay) {
-  const json schedule = runJson("schedule --demo --json --day 2026-11-22");
-  EXPECT_EQ(keysOf(nlohmann::ordered_json::parse(run("schedule --demo --json --day 2026-11-22").out)),
-            (std::vector<std::string>{"day", "segments"}));
+  const nlohmann::ordered_json printed = runJson("schedule --demo --json --day 2026-11-22");
+  EXPECT_EQ(keysOf(printed), (std::vector<std::string>{"day", "segments"}));
+  const json schedule = printed;
   EXPECT_EQ(schedule["day"], "2026-11-22");
   const json& segments = schedule["segments"];
   const std::vector<std::pair<const char*, const char*>> expected{

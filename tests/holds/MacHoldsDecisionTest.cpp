@@ -12,7 +12,6 @@ namespace {
 
 using namespace testing;
 using ActionKind = MacHoldsAction::Kind;
-using DueKind = MacHoldsDue::Kind;
 
 MacHoldsSnapshotLoad noSnapshot(MacHoldsSnapshotFailure::Kind kind) {
   return std::unexpected(MacHoldsSnapshotFailure{kind, "test"});
@@ -25,7 +24,7 @@ struct DecisionCase {
   const char* now;
   bool mainAppRunning;
   ActionKind action;
-  DueKind due;
+  MacHoldsDue due;
 };
 
 class DecisionTest : public ::testing::TestWithParam<DecisionCase> {};
@@ -35,7 +34,7 @@ TEST_P(DecisionTest, DecidesAsTheEngine) {
   const Calendar calendar = calendarIn("Europe/Istanbul");
   const MacHoldsEvaluation evaluation = evaluateMacHolds(c.snapshot, at(c.now), calendar, c.mainAppRunning);
   EXPECT_EQ(enumName(evaluation.action.kind()), enumName(c.action));
-  EXPECT_EQ(enumName(evaluation.due.kind), enumName(c.due));
+  EXPECT_EQ(evaluation.due, c.due);
   EXPECT_EQ(decideMacHoldsAction(c.snapshot, at(c.now), calendar, c.mainAppRunning), evaluation.action);
   // A hold carries the due hold and exactly the plan the schedule makes for it.
   ASSERT_EQ(evaluation.action.held().has_value(), c.action == ActionKind::hold);
@@ -50,34 +49,28 @@ INSTANTIATE_TEST_SUITE_P(
     Decision, DecisionTest,
     ::testing::Values(
         DecisionCase{"MissingFileExits", noSnapshot(MacHoldsSnapshotFailure::Kind::missing),
-                     "2026-11-22T10:00:00+03:00", false, ActionKind::exit, DueKind::none},
+                     "2026-11-22T10:00:00+03:00", false, ActionKind::exit, MacHoldsDue::none()},
         DecisionCase{"NewerVersionExits", noSnapshot(MacHoldsSnapshotFailure::Kind::unsupportedVersion),
-                     "2026-11-22T10:00:00+03:00", false, ActionKind::exit, DueKind::none},
+                     "2026-11-22T10:00:00+03:00", false, ActionKind::exit, MacHoldsDue::none()},
         DecisionCase{"StudyBlockHolds", examWeekSnapshot(), "2026-11-22T10:00:00+03:00", false, ActionKind::hold,
-                     DueKind::study},
+                     MacHoldsDue::study(at("2026-11-22T11:30:00+03:00"))},
         DecisionCase{"MainAppRunningStandsBy", examWeekSnapshot(), "2026-11-22T10:00:00+03:00", true,
-                     ActionKind::standBy, DueKind::study},
+                     ActionKind::standBy, MacHoldsDue::study(at("2026-11-22T11:30:00+03:00"))},
         DecisionCase{"SocialHoldHolds", examWeekSnapshot(), "2026-11-22T12:00:00+03:00", false, ActionKind::hold,
-                     DueKind::social},
+                     MacHoldsDue::social(at("2026-11-23T00:00:00+03:00"))},
+        DecisionCase{"OpenSocialSpanStandsBy",
+                     withAllowance(examWeekSnapshot(), "2026-11-22", 0, "2026-11-22T11:55:00+03:00"),
+                     "2026-11-22T12:00:00+03:00", false, ActionKind::standBy,
+                     MacHoldsDue::socialOpen(at("2026-11-22T12:40:00+03:00"))},
         DecisionCase{"EverydaySleepAtNoonStandsBy", sleepSnapshot(1380, 420), "2026-11-22T12:00:00+03:00", false,
-                     ActionKind::standBy, DueKind::none},
+                     ActionKind::standBy, MacHoldsDue::none()},
         DecisionCase{"LastExamNightHolds", examWeekSnapshot(), "2026-11-27T01:00:00+03:00", false, ActionKind::hold,
-                     DueKind::sleep},
+                     MacHoldsDue::sleep(at("2026-11-27T07:00:00+03:00"))},
         DecisionCase{"AfterTheExamWeekExits", examWeekSnapshot(), "2026-11-27T08:00:00+03:00", false,
-                     ActionKind::exit, DueKind::none},
+                     ActionKind::exit, MacHoldsDue::none()},
         DecisionCase{"ExitsEvenWhileTheMainAppRuns", examWeekSnapshot(), "2026-11-27T08:00:00+03:00", true,
-                     ActionKind::exit, DueKind::none}),
+                     ActionKind::exit, MacHoldsDue::none()}),
     [](const auto& info) { return std::string(info.param.name); });
-
-TEST(Decision, OpenSocialSpanStandsBy) {
-  MacHoldsSnapshot snapshot = examWeekSnapshot();
-  snapshot.allowance = MacFocus4Allowance{"2026-11-22", 0, millisAt("2026-11-22T11:55:00+03:00")};
-  const auto evaluation =
-      evaluateMacHolds(snapshot, at("2026-11-22T12:00:00+03:00"), calendarIn("Europe/Istanbul"), false);
-  EXPECT_EQ(evaluation.due, MacHoldsDue::socialOpen(at("2026-11-22T12:40:00+03:00")));
-  EXPECT_FALSE(evaluation.plan.has_value());
-  EXPECT_EQ(evaluation.action, MacHoldsAction::standBy());
-}
 
 }  // namespace
 }  // namespace kovi::holds
