@@ -14,25 +14,16 @@ struct IdentityCase {
 
 TEST(X11ApplicationIdentity, LinuxBuildsOfMacAppsCarryTheirMacIdentifiers) {
   const IdentityCase cases[] = {
+      // Known by instance, by class, or by a variant of the class; that every
+      // row of the table names a preset's identifier is the next test.
       {{"discord", "discord"}, "com.hnc.Discord", "Discord"},
       {{"telegram-desktop", "TelegramDesktop"}, "org.telegram.desktop", "Telegram"},
       {{"steamwebhelper", "Steam"}, "com.valvesoftware.steam", "Steam"},
-      {{"spotify", "Spotify"}, "com.spotify.client", "Spotify"},
       {{"Navigator", "firefox"}, "org.mozilla.firefox", "Firefox"},
       {{"Navigator", "firefox-esr"}, "org.mozilla.firefox", "Firefox"},
-      {{"google-chrome", "Google-chrome"}, "com.google.Chrome", "Google Chrome"},
-      {{"brave-browser", "Brave-browser"}, "com.brave.Browser", "Brave Browser"},
-      {{"microsoft-edge", "Microsoft-edge"}, "com.microsoft.edgemac", "Microsoft Edge"},
-      {{"opera", "Opera"}, "com.operasoftware.Opera", "Opera"},
       {{"code", "Code"}, "com.microsoft.VSCode", "Visual Studio Code"},
-      {{"obsidian", "obsidian"}, "md.obsidian", "Obsidian"},
-      {{"1password", "1Password"}, "com.1password.1password", "1Password"},
-      {{"bitwarden", "Bitwarden"}, "com.bitwarden.desktop", "Bitwarden"},
-      {{"whatsapp-for-linux", "Whatsapp-for-linux"}, "net.whatsapp.WhatsApp", "WhatsApp"},
       // The desktop's own parts, by class in lower case.
-      {{"thunar", "Thunar"}, "x11:thunar", "Thunar"},
       {{"org.gnome.Nautilus", "Org.gnome.Nautilus"}, "x11:org.gnome.nautilus", "Org.gnome.Nautilus"},
-      {{"xfce4-panel", "Xfce4-panel"}, "x11:xfce4-panel", "Xfce4-panel"},
       // Everything else keeps its class as given.
       {{"gimp", "Gimp"}, "x11:Gimp", "Gimp"},
       {{"xterm", ""}, "x11:xterm", "xterm"},
@@ -80,16 +71,12 @@ TEST(WaylandApplicationIdentity, AppIdsOfNativeAndFlatpakBuildsShareTheTable) {
   const Case cases[] = {
       {"discord", "com.hnc.Discord", "Discord"},
       {"com.discordapp.Discord", "com.hnc.Discord", "Discord"},
-      {"org.telegram.desktop", "org.telegram.desktop", "Telegram"},
-      {"com.valvesoftware.Steam", "com.valvesoftware.steam", "Steam"},
       {"firefox", "org.mozilla.firefox", "Firefox"},
       {"org.mozilla.firefox", "org.mozilla.firefox", "Firefox"},
       {"com.visualstudio.code", "com.microsoft.VSCode", "Visual Studio Code"},
       // The desktop's own parts, by app_id in lower case.
       {"org.gnome.Nautilus", "wayland:org.gnome.nautilus", "org.gnome.Nautilus", true},
-      {"org.kde.dolphin", "wayland:org.kde.dolphin", "org.kde.dolphin", true},
       // Everything else keeps its app_id as given, under the Wayland prefix.
-      {"foot", "wayland:foot", "foot"},
       {"org.gnome.TextEditor", "wayland:org.gnome.TextEditor", "org.gnome.TextEditor"},
       // A toplevel without an app_id names no application.
       {"", "", ""},

