@@ -143,7 +143,6 @@ struct FakeShieldState {
   int created = 0;
   std::optional<MacHoldsShieldView> content;
   int contentUpdates = 0;
-  int broughtForward = 0;
   bool visible = false;
 };
 
@@ -156,7 +155,6 @@ class FakeShieldPanel final : public MacShieldPanel {
   }
   void bringForward() override {
     state_->visible = true;
-    ++state_->broughtForward;
   }
   void orderOut() override { state_->visible = false; }
   bool isVisible() const override { return state_->visible; }
