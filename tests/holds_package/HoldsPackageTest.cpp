@@ -1,9 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
+#include <optional>
 #include <regex>
 
+#include "KoviKit/foundation/FileIO.h"
 #include "KoviMacHolds/platform/x11/demo/PrivateDesktop.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -14,10 +15,7 @@ using x11::ChildProcess;
 
 constexpr std::chrono::milliseconds kToolTime{180000};
 
-std::string readText(const std::filesystem::path& file) {
-  std::ifstream in(file);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
+std::string readText(const std::filesystem::path& file) { return readFileLimited(file, 1 << 20).value_or(""); }
 
 bool installed(const char* program) {
   for (const char* directory : {"/usr/bin", "/bin"}) {
@@ -39,37 +37,29 @@ class HoldsPackageTest : public ::testing::Test {
  protected:
   static void SetUpTestSuite() {
     if (!installed("cpack") || !installed("dpkg-deb") || !installed("dpkg-shlibdeps")) return;
-    scratch_ = new kovi::testing::TemporaryDirectory;
+    scratch_.emplace();
     const auto out = scratch_->path() / "cpack";
     if (run({"cpack", "--config", KOVI_CPACK_CONFIG, "-G", "DEB", "-B", out.string()}, scratch_->path() / "cpack.log") != 0) return;
     for (const auto& entry : std::filesystem::directory_iterator(out)) {
-      if (entry.path().extension() == ".deb") package_ = new std::filesystem::path(entry.path());
+      if (entry.path().extension() == ".deb") package_ = entry.path();
     }
-    if (package_ == nullptr) return;
+    if (!package_) return;
     const auto root = scratch_->path() / "root";
-    if (run({"dpkg-deb", "-x", package_->string(), root.string()}, scratch_->path() / "unpack.log") != 0) {
-      delete package_;
-      package_ = nullptr;
-    }
+    if (run({"dpkg-deb", "-x", package_->string(), root.string()}, scratch_->path() / "unpack.log") != 0) package_.reset();
   }
   static void TearDownTestSuite() {
-    delete package_;
-    delete scratch_;
-    package_ = nullptr;
-    scratch_ = nullptr;
+    package_.reset();
+    scratch_.reset();
   }
   void SetUp() override {
-    if (scratch_ == nullptr) GTEST_SKIP() << "cpack, dpkg-deb and dpkg-shlibdeps (dpkg-dev) are needed to build the package";
-    ASSERT_NE(package_, nullptr) << readText(scratch_->path() / "cpack.log") << readText(scratch_->path() / "cpack.log.err");
+    if (!scratch_) GTEST_SKIP() << "cpack, dpkg-deb and dpkg-shlibdeps (dpkg-dev) are needed to build the package";
+    ASSERT_TRUE(package_) << readText(scratch_->path() / "cpack.log") << readText(scratch_->path() / "cpack.log.err");
   }
   static std::filesystem::path root() { return scratch_->path() / "root"; }
 
-  static kovi::testing::TemporaryDirectory* scratch_;
-  static std::filesystem::path* package_;
+  static inline std::optional<kovi::testing::TemporaryDirectory> scratch_;
+  static inline std::optional<std::filesystem::path> package_;
 };
-
-kovi::testing::TemporaryDirectory* HoldsPackageTest::scratch_ = nullptr;
-std::filesystem::path* HoldsPackageTest::package_ = nullptr;
 
 TEST_F(HoldsPackageTest, IsNamedForDebianWithDependsFromTheSharedLibraries) {
   EXPECT_TRUE(std::regex_match(package_->filename().string(), std::regex(R"(kovi-holds_\d+\.\d+\.\d+_amd64\.deb)")))
