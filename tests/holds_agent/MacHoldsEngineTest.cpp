@@ -107,6 +107,7 @@ TEST(MacHoldsEngine, ReplacedExecutableStopsTheGuardAndExitsWith75) {
   agent.launchIdentity.identity = MacFileIdentity{1, 100};
   agent.runLoop.tick();
   EXPECT_FALSE(agent.runLoop.hasExited());
+  EXPECT_TRUE(delegate->engine()->guardian().plan());
 
   agent.launchIdentity.identity = MacFileIdentity{1, 101};
   agent.runLoop.tick();
