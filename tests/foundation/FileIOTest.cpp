@@ -16,7 +16,7 @@ TEST(FileIOTest, ReadsUpToTheLimitAndRefusesOneByteMore) {
   const struct {
     std::size_t size;
     bool readable;
-  } cases[] = {{0, true}, {1, true}, {65'535, true}, {65'536, true}, {65'537, false}, {200'000, false}};
+  } cases[] = {{0, true}, {65'535, true}, {65'536, true}, {65'537, false}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.size);
     const auto path = directory.write("file-" + std::to_string(c.size), std::string(c.size, 'x'));
@@ -40,14 +40,19 @@ TEST(FileIOTest, TellsMissingFromUnreadable) {
   EXPECT_EQ(readFileLimited(directory.path(), 10).error().failure, FileReadFailure::unreadable);
 }
 
-TEST(FileIOTest, AtomicWriteReplacesCreatesParentsAndLeavesNoTemporaryFiles) {
+// A replacement is a new file, so it must be created with the requested
+// permissions too.
+TEST(FileIOTest, AtomicWriteReplacesCreatesParentsWithPermissionsAndLeavesNoTemporaryFiles) {
   const TemporaryDirectory directory;
-  const auto path = directory.path() / "Kovi" / "Holds" / "holds.json";
-  ASSERT_TRUE(writeFileAtomically(path, "first").has_value());
-  ASSERT_TRUE(writeFileAtomically(path, "second, longer").has_value());
+  namespace fs = std::filesystem;
+  const auto path = directory.path() / "Kovi" / "Holds" / "secret.pem";
+  const auto ownerOnly = fs::perms::owner_read | fs::perms::owner_write;
+  ASSERT_TRUE(writeFileAtomically(path, "first", ownerOnly).has_value());
+  ASSERT_TRUE(writeFileAtomically(path, "second, longer", ownerOnly).has_value());
   EXPECT_EQ(*readFileLimited(path, 100), "second, longer");
+  EXPECT_EQ(fs::status(path).permissions() & fs::perms::mask, ownerOnly);
   std::size_t entries = 0;
-  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(path.parent_path())) ++entries;
+  for ([[maybe_unused]] const auto& entry : fs::directory_iterator(path.parent_path())) ++entries;
   EXPECT_EQ(entries, 1u);
 }
 
@@ -63,17 +68,6 @@ TEST(FileIOTest, FailedAtomicWriteNamesThePathAndLeavesNothingBehind) {
   std::size_t entries = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(directory.path())) ++entries;
   EXPECT_EQ(entries, 1u) << "the temporary file must be removed";
-}
-
-TEST(FileIOTest, AtomicWriteCreatesTheFileWithTheRequestedPermissions) {
-  const TemporaryDirectory directory;
-  namespace fs = std::filesystem;
-  const auto secret = directory.path() / "secret.pem";
-  ASSERT_TRUE(writeFileAtomically(secret, "first", fs::perms::owner_read | fs::perms::owner_write));
-  // A replacement is a new file, so it must be created private too.
-  ASSERT_TRUE(writeFileAtomically(secret, "second", fs::perms::owner_read | fs::perms::owner_write));
-  EXPECT_EQ(fs::status(secret).permissions() & fs::perms::mask, fs::perms::owner_read | fs::perms::owner_write);
-  EXPECT_EQ(readFileLimited(secret, 100), "second");
 }
 
 }  // namespace

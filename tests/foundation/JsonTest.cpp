@@ -46,41 +46,28 @@ struct JsonDecoder<Kitten> {
 
 namespace {
 
-struct RejectCase {
-  const char* json;
-  const char* message;
-  friend void PrintTo(const RejectCase& c, std::ostream* out) { *out << c.json; }
-};
-
-class JsonRejectTest : public ::testing::TestWithParam<RejectCase> {};
-
-TEST_P(JsonRejectTest, NamesThePathAndTheReason) {
-  const auto decoded = decodeJsonText<std::vector<Kitten>>(GetParam().json);
-  ASSERT_FALSE(decoded.has_value());
-  EXPECT_EQ(decoded.error().message(), GetParam().message);
+// Paths, types and unknown keys as records see them are read in the record
+// coding's tests; these are the parser's and the typed readers' own refusals.
+TEST(JsonTest, RefusalsNameThePathAndTheReason) {
+  const struct {
+    const char* json;
+    const char* message;
+  } cases[] = {
+      {R"([{"name": "Pamuk", "ageDays": 9223372036854775808, "toys": []}])", "[0].ageDays: integer out of range"},
+      {R"([{"name": "Pamuk", "ageDays": 3, "colour": "black", "toys": []}])", "[0].colour: unknown value \"black\""},
+      {R"([{"name": "Pamuk", "ageDays": 3, "toys": [2147483648]}])", "[0].toys[0]: integer out of range"},
+      {R"([{"name": "Pamuk", "ageDays": 3, "toys": []}, {"name": "A", "name": "B"}])", "[1].name: duplicate key"},
+      {"[{\"name\": \"Pamuk\",\n  \"toys\": [1 2]}]",
+       "not valid JSON at line 2, column 14: syntax error while parsing array - unexpected number literal; "
+       "expected ']'"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.json);
+    const auto decoded = decodeJsonText<std::vector<Kitten>>(c.json);
+    ASSERT_FALSE(decoded.has_value());
+    EXPECT_EQ(decoded.error().message(), c.message);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Json, JsonRejectTest,
-    ::testing::Values(
-        RejectCase{R"([{"ageDays": 3, "toys": []}])", "[0].name: missing key"},
-        RejectCase{R"([{"name": 7, "ageDays": 3, "toys": []}])", "[0].name: expected a string, found a number"},
-        RejectCase{R"([{"name": "Pamuk", "ageDays": 1.5, "toys": []}])",
-                   "[0].ageDays: expected an integer, found a number"},
-        RejectCase{R"([{"name": "Pamuk", "ageDays": 9223372036854775808, "toys": []}])",
-                   "[0].ageDays: integer out of range"},
-        RejectCase{R"([{"name": "Pamuk", "ageDays": 3, "colour": "black", "toys": []}])",
-                   "[0].colour: unknown value \"black\""},
-        RejectCase{R"([{"name": "Pamuk", "ageDays": 3, "toys": [1, "ball"]}])",
-                   "[0].toys[1]: expected an integer, found a string"},
-        RejectCase{R"([{"name": "Pamuk", "ageDays": 3, "toys": [2147483648]}])", "[0].toys[0]: integer out of range"},
-        RejectCase{R"([{"name": "Pamuk", "ageDays": 3, "toys": [], "owner": "Ece"}])", "[0].owner: unknown key"},
-        RejectCase{R"({"name": "Pamuk"})", "expected an array, found an object"},
-        RejectCase{R"([{"name": "Pamuk", "ageDays": 3, "toys": []}, {"name": "A", "name": "B"}])",
-                   "[1].name: duplicate key"},
-        RejectCase{"[{\"name\": \"Pamuk\",\n  \"toys\": [1 2]}]",
-                   "not valid JSON at line 2, column 14: syntax error while parsing array - unexpected number "
-                   "literal; expected ']'"}));
 
 TEST(JsonTest, RefusesNestingPastTheDepthLimitWithoutExhaustingTheStack) {
   const auto nested = [](int depth) { return std::string(depth, '[') + std::string(depth, ']'); };
@@ -95,23 +82,17 @@ TEST(JsonTest, RefusesNestingPastTheDepthLimitWithoutExhaustingTheStack) {
 TEST(JsonTest, DecodesOptionalsIntegralNumbersAndArrays) {
   const auto decoded = decodeJsonText<std::vector<Kitten>>(
       R"([{"name": "Pamuk", "ageDays": 3.0, "toys": [1, 2]},
-          {"name": "Duman", "ageDays": -4, "colour": "tabby", "toys": []},
-          {"name": "Zeytin", "ageDays": 0, "colour": null, "toys": []}])");
+          {"name": "Duman", "ageDays": -4, "colour": "tabby", "toys": []}])");
   ASSERT_TRUE(decoded.has_value()) << decoded.error().message();
-  EXPECT_EQ(*decoded, (std::vector<Kitten>{{"Pamuk", 3, std::nullopt, {1, 2}},
-                                           {"Duman", -4, Colour::tabby, {}},
-                                           {"Zeytin", 0, std::nullopt, {}}}));
+  EXPECT_EQ(*decoded, (std::vector<Kitten>{{"Pamuk", 3, std::nullopt, {1, 2}}, {"Duman", -4, Colour::tabby, {}}}));
 }
 
-TEST(JsonTest, BooleansAreNotNumbers) {
+TEST(JsonTest, BooleansAreNotNumbersAndEnumerationsWriteTheirRawValue) {
   const auto document = parseJson(R"({"flag": 1, "count": true})");
   ASSERT_TRUE(document.has_value());
   const JsonView view(*document);
   EXPECT_EQ(view.get<bool>("flag").error().message(), "flag: expected a boolean, found a number");
   EXPECT_EQ(view.get<std::int64_t>("count").error().message(), "count: expected an integer, found a boolean");
-}
-
-TEST(JsonTest, EnumerationsWriteTheirRawValue) {
   nlohmann::ordered_json encoded;
   encoded["colour"] = Colour::ginger;
   EXPECT_EQ(encoded.dump(), R"({"colour":"ginger"})");

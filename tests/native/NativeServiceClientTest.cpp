@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <ctime>
+#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -57,14 +58,6 @@ Reply text(int status, std::string contentType, std::string body, httplib::Heade
   return {status, std::move(body), std::move(headers), Delivery::whole, std::move(contentType)};
 }
 
-struct ServerCase {
-  std::string name;
-  Reply reply;
-  std::expected<std::string, NativeAccountError> outcome;  // the greeted name, or the error
-};
-
-void PrintTo(const ServerCase& example, std::ostream* out) { *out << example.name; }
-
 void serve(const Reply& reply, Gate& gate, httplib::Response& response) {
   response.status = reply.status;
   for (const auto& [name, value] : reply.headers) response.set_header(name, value);
@@ -91,80 +84,65 @@ std::string greetingOfSize(std::size_t size) {
   return R"({"name":"Ada","pad":")" + std::string(size - frame.size(), 'x') + "\"}";
 }
 
-std::expected<std::string, NativeAccountError> greeted(std::string name) { return name; }
-std::expected<std::string, NativeAccountError> failed(NativeAccountError error) {
-  return std::unexpected(std::move(error));
-}
+using Outcome = std::expected<std::string, NativeAccountError>;  // the greeted name, or the error
 
-class ServerReplyTest : public ::testing::TestWithParam<ServerCase> {};
+Outcome failed(NativeAccountError error) { return std::unexpected(std::move(error)); }
 
-TEST_P(ServerReplyTest, ClientReportsWhatTheServerSaid) {
-  const ServerCase& example = GetParam();
-  Gate gate;
-  LoopbackServer server([&](httplib::Server& http) {
-    http.Get("/api/native/account/greeting",
-             [&](const httplib::Request&, httplib::Response& response) { serve(example.reply, gate, response); });
-    // Where the redirect case points: reaching it would be a success.
-    http.Get("/api/native/account/elsewhere", [](const httplib::Request&, httplib::Response& response) {
-      response.set_content(R"({"name":"Elsewhere"})", "application/json");
+// What the transport adds to the classification: real headers and bodies,
+// charsets, redirects, read limits and bodies that never end.
+TEST(NativeServiceClientTest, ReportsWhatTheServerSaid) {
+  const std::string openGreeting = R"({"name":"Ada","pad":")";
+  const std::size_t limit = kNativeResponseBodyLimit;
+  const auto invalid = failed(NativeAccountError::invalidResponse());
+  const struct {
+    std::string name;
+    Reply reply;
+    Outcome outcome;
+  } cases[] = {
+      {"ok", {200, R"({"name":"Ada"})"}, "Ada"},
+      {"ok_charset", text(200, "application/json; charset=utf-8", R"({"name":"Şule"})"), "Şule"},
+      {"ok_not_json", {200, "<html></html>"}, invalid},
+      {"rate_limited_header", text(429, "text/plain", "slow down", {{"Retry-After", "120"}}),
+       failed(NativeAccountError::rateLimited(120))},
+      {"redirect_not_followed", text(302, "text/plain", "", {{"Location", "/api/native/account/elsewhere"}}),
+       failed(NativeAccountError::unavailable())},
+      {"at_limit_chunked", {200, greetingOfSize(limit), {}, Delivery::chunked}, "Ada"},
+      {"past_limit_chunked", {200, greetingOfSize(limit + 1), {}, Delivery::chunked}, invalid},
+      {"past_limit_declared", {200, greetingOfSize(limit + 1)}, invalid},
+      {"endless", {200, openGreeting, {}, Delivery::stalling}, invalid},
+      {"endless_rate_limit_keeps_header",
+       {429, R"({"retryAfterSeconds":5,"pad":")", {{"Retry-After", "45"}}, Delivery::stalling},
+       failed(NativeAccountError::rateLimited(45))},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Gate gate;
+    LoopbackServer server([&](httplib::Server& http) {
+      http.Get("/api/native/account/greeting",
+               [&](const httplib::Request&, httplib::Response& response) { serve(c.reply, gate, response); });
+      // Where the redirect case points: reaching it would be a success.
+      http.Get("/api/native/account/elsewhere", [](const httplib::Request&, httplib::Response& response) {
+        response.set_content(R"({"name":"Elsewhere"})", "application/json");
+      });
     });
-  });
-  GateOpener opener(gate);
-  NativeClientOptions options;
-  options.timeout = 5s;
-  NativeAccountAPI api(server.serviceOrigin(), std::move(options));
+    GateOpener opener(gate);
+    NativeClientOptions options;
+    options.timeout = 5s;
+    NativeAccountAPI api(server.serviceOrigin(), std::move(options));
 
-  const auto started = Clock::now();
-  const auto result = api.send<Greeting>("/greeting");
-  const auto elapsed = Clock::now() - started;
-
-  if (example.outcome) {
-    ASSERT_TRUE(result.has_value()) << result.error().description();
-    EXPECT_EQ(result->name, *example.outcome);
-  } else {
-    ASSERT_FALSE(result.has_value()) << "decoded a greeting for " << result->name;
-    EXPECT_EQ(result.error(), example.outcome.error());
+    const auto started = Clock::now();
+    const auto result = api.send<Greeting>("/greeting");
+    if (c.outcome) {
+      ASSERT_TRUE(result.has_value()) << result.error().description();
+      EXPECT_EQ(result->name, *c.outcome);
+    } else {
+      ASSERT_FALSE(result.has_value()) << "decoded a greeting for " << result->name;
+      EXPECT_EQ(result.error(), c.outcome.error());
+    }
+    // A refused body ends the transfer; it never waits for the stalled rest.
+    EXPECT_LT(Clock::now() - started, 3s);
   }
-  // A refused body ends the transfer; it never waits for the stalled rest.
-  EXPECT_LT(elapsed, 3s);
 }
-
-const std::string kOpenGreeting = R"({"name":"Ada","pad":")";
-const std::size_t kLimit = kNativeResponseBodyLimit;
-const auto kUnavailable = failed(NativeAccountError::unavailable());
-const auto kInvalid = failed(NativeAccountError::invalidResponse());
-
-INSTANTIATE_TEST_SUITE_P(
-    Replies, ServerReplyTest,
-    ::testing::Values(
-        ServerCase{"ok", {200, R"({"name":"Ada"})"}, greeted("Ada")},
-        ServerCase{"ok_charset", text(200, "application/json; charset=utf-8", R"({"name":"Şule"})"), greeted("Şule")},
-        ServerCase{"ok_wrong_content_type", text(200, "text/html", R"({"name":"Ada"})"), kUnavailable},
-        ServerCase{"ok_not_json", {200, "<html></html>"}, kInvalid},
-        ServerCase{"ok_wrong_record", {200, R"({"nom":"Ada"})"}, kInvalid},
-        ServerCase{"rate_limited_header", text(429, "text/plain", "slow down", {{"Retry-After", "120"}}),
-                   failed(NativeAccountError::rateLimited(120))},
-        ServerCase{"rate_limited_body_wins", {429, R"({"retryAfterSeconds":30})", {{"Retry-After", "120"}}},
-                   failed(NativeAccountError::rateLimited(30))},
-        ServerCase{"rate_limited_no_wait", text(429, "text/plain", ""),
-                   failed(NativeAccountError::rateLimited(kNativeAssumedRateLimitWait))},
-        ServerCase{"service_code", {409, R"({"error":"accounts_at_capacity"})"},
-                   failed(NativeAccountError::service("accounts_at_capacity"))},
-        ServerCase{"sign_in_code", {403, R"({"error":"sign_in_required"})"}, failed(NativeAccountError::signInRequired())},
-        ServerCase{"unauthorized", text(401, "text/plain", ""), failed(NativeAccountError::signInRequired())},
-        ServerCase{"unauthorized_with_code", {401, R"({"error":"expired_challenge"})"},
-                   failed(NativeAccountError::service("expired_challenge"))},
-        ServerCase{"server_error_page", text(502, "text/html", "<h1>Bad gateway</h1>"), kUnavailable},
-        ServerCase{"redirect_not_followed", text(302, "text/plain", "", {{"Location", "/api/native/account/elsewhere"}}),
-                   kUnavailable},
-        ServerCase{"at_limit_chunked", {200, greetingOfSize(kLimit), {}, Delivery::chunked}, greeted("Ada")},
-        ServerCase{"past_limit_chunked", {200, greetingOfSize(kLimit + 1), {}, Delivery::chunked}, kInvalid},
-        ServerCase{"past_limit_declared", {200, greetingOfSize(kLimit + 1)}, kInvalid},
-        ServerCase{"endless", {200, kOpenGreeting, {}, Delivery::stalling}, kInvalid},
-        ServerCase{"endless_rate_limit_keeps_header",
-                   {429, R"({"retryAfterSeconds":5,"pad":")", {{"Retry-After", "45"}}, Delivery::stalling},
-                   failed(NativeAccountError::rateLimited(45))}),
-    [](const auto& info) { return info.param.name; });
 
 TEST(NativeServiceClientTest, RateLimitWithAnHttpDateWaitsUntilThatDate) {
   const std::time_t inFiveMinutes = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now() + 300s);
@@ -187,42 +165,17 @@ TEST(NativeServiceClientTest, RateLimitWithAnHttpDateWaitsUntilThatDate) {
   EXPECT_EQ(api.message(result.error()), "Şu an çok fazla istek var. 5 dakika sonra yeniden dene.");
 }
 
-struct Received {
-  std::string method;
-  std::string path;
-  httplib::Headers headers = {};
-  std::string body;
-  int remotePort = 0;
-};
-
-// A server that answers the same record to everything under the native area
-// and keeps what it received.
+// A server that answers the same record on two paths and keeps what it received.
 class RecordingServerTest : public ::testing::Test {
  protected:
-  std::vector<Received> received() {
-    std::lock_guard lock(mutex_);
-    return received_;
+  void SetUp() override {
+    for (const char* path : {"/api/native/account/me", "/api/native/account/session"}) {
+      server_.answer(path, 200, R"({"name":"Ada","seen":2,"after":1})");
+    }
   }
 
-  std::mutex mutex_;
-  std::vector<Received> received_;
-  LoopbackServer server_{[this](httplib::Server& http) {
-    const auto record = [this](const httplib::Request& request, httplib::Response& response) {
-      {
-        std::lock_guard lock(mutex_);
-        received_.push_back({request.method, request.path, request.headers, request.body, request.remote_port});
-      }
-      response.set_content(R"({"name":"Ada","seen":2,"after":1})", "application/json");
-    };
-    http.Get("/api/native/.*", record);
-    http.Post("/api/native/.*", record);
-  }};
+  testing::RecordingServer server_;
 };
-
-std::string header(const Received& request, const std::string& name) {
-  const auto found = request.headers.find(name);
-  return found != request.headers.end() ? found->second : "<absent>";
-}
 
 TEST_F(RecordingServerTest, SendsTheHeadersTheServiceExpectsOverOneConnection) {
   NativeClientOptions options;
@@ -240,7 +193,7 @@ TEST_F(RecordingServerTest, SendsTheHeadersTheServiceExpectsOverOneConnection) {
   ASSERT_TRUE(document.has_value()) << document.error().description();
   EXPECT_EQ(document->dump(), R"({"name":"Ada","seen":2,"after":1})");
 
-  const auto requests = received();
+  const auto requests = server_.takeReceived();
   struct Expected {
     std::string method, path, contentType, authorization, body;
   };
@@ -254,15 +207,15 @@ TEST_F(RecordingServerTest, SendsTheHeadersTheServiceExpectsOverOneConnection) {
   ASSERT_EQ(requests.size(), std::size(expected));
   for (std::size_t index = 0; index < requests.size(); ++index) {
     SCOPED_TRACE(index);
-    const Received& request = requests[index];
+    const testing::ReceivedRequest& request = requests[index];
     EXPECT_EQ(request.method, expected[index].method);
     EXPECT_EQ(request.path, expected[index].path);
     EXPECT_EQ(request.body, expected[index].body);
-    EXPECT_EQ(header(request, "Accept"), "application/json");
-    EXPECT_EQ(header(request, "Content-Type"), expected[index].contentType);
-    EXPECT_EQ(header(request, "Authorization"), expected[index].authorization);
-    EXPECT_EQ(header(request, "Cache-Control"), "no-cache");
-    EXPECT_EQ(header(request, "X-Purrl-Features"), "cat,study");
+    EXPECT_EQ(request.header("Accept"), "application/json");
+    EXPECT_EQ(request.header("Content-Type"), expected[index].contentType);
+    EXPECT_EQ(request.header("Authorization"), expected[index].authorization);
+    EXPECT_EQ(request.header("Cache-Control"), "no-cache");
+    EXPECT_EQ(request.header("X-Purrl-Features"), "cat,study");
     EXPECT_EQ(request.remotePort, requests.front().remotePort) << "a new connection for this call";
   }
 }
@@ -278,74 +231,50 @@ TEST_F(RecordingServerTest, ThreadsShareOneClient) {
   }
   for (auto& thread : threads) thread.join();
   EXPECT_EQ(successes.load(), 40);
-  EXPECT_EQ(received().size(), 40u);
+  EXPECT_EQ(server_.takeReceived().size(), 40u);
 }
 
-TEST(NativeServiceClientTest, EndpointIsTheAreaUnderTheOrigin) {
-  const auto origin = NativeServiceOrigin::parse("https://kovi.example/");
-  ASSERT_TRUE(origin.has_value());
-  EXPECT_EQ(NativeAccountAPI(*origin).endpoint(), "https://kovi.example/api/native/account");
-  const NativeErrorTable evidence{"v6/evidence", {}};
-  EXPECT_EQ(NativeServiceClient(*origin, evidence).endpoint(), "https://kovi.example/api/native/v6/evidence");
-}
-
-// Options that keep the reason of every transport failure.
-NativeClientOptions observing(std::vector<std::string>& failures, std::chrono::milliseconds timeout) {
-  NativeClientOptions options;
-  options.timeout = timeout;
-  options.transportFailureObserver = [&](const NativeTransportFailure& failure) { failures.push_back(failure.reason); };
-  return options;
-}
-
-TEST(NativeServiceClientTest, ServerSlowerThanTheTimeOutIsUnavailable) {
-  Gate gate;
-  LoopbackServer server([&](httplib::Server& http) {
-    http.Get("/api/native/account/greeting", [&](const httplib::Request&, httplib::Response& response) {
-      gate.waitOpen(10s);
-      response.set_content(R"({"name":"Ada"})", "application/json");
+// Each transport failure is unavailable to the caller, and the observer hears
+// why: a server slower than the time-out, a header libcurl will not hold (not
+// a lack of memory), a port nobody listens on.
+TEST(NativeServiceClientTest, TransportFailuresAreUnavailableAndNamed) {
+  const NativeServiceOrigin closedPort = LoopbackServer([](httplib::Server&) {}).serviceOrigin();
+  const struct {
+    std::string name;
+    std::function<void(httplib::Response&, Gate&)> reply;  // none: nobody listens
+    std::string reason;
+  } cases[] = {
+      {"slow", [](httplib::Response&, Gate& gate) { gate.waitOpen(10s); }, "Timeout"},
+      {"oversized_header",
+       [](httplib::Response& response, Gate&) {
+         response.status = 429;
+         response.set_header("Retry-After", std::string(200'000, '9'));
+       },
+       "a response header is larger than the 100 KB libcurl accepts"},
+      {"refused", nullptr, ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Gate gate;
+    LoopbackServer server([&](httplib::Server& http) {
+      http.Get("/api/native/account/greeting",
+               [&](const httplib::Request&, httplib::Response& response) { c.reply(response, gate); });
     });
-  });
-  GateOpener opener(gate);
-  std::vector<std::string> failures;
-  NativeAccountAPI api(server.serviceOrigin(), observing(failures, 300ms));
+    GateOpener opener(gate);
+    std::vector<std::string> failures;
+    NativeClientOptions options;
+    options.timeout = 300ms;
+    options.transportFailureObserver = [&](const NativeTransportFailure& failure) { failures.push_back(failure.reason); };
+    NativeAccountAPI api(c.reply ? server.serviceOrigin() : closedPort, std::move(options));
 
-  const auto started = Clock::now();
-  const auto result = api.send<Greeting>("/greeting");
-  const auto elapsed = Clock::now() - started;
-
-  ASSERT_FALSE(result.has_value());
-  EXPECT_EQ(result.error(), NativeAccountError::unavailable());
-  EXPECT_GE(elapsed, 250ms);
-  EXPECT_LT(elapsed, 3s);
-  ASSERT_EQ(failures.size(), 1u);
-  EXPECT_NE(failures.front().find("Timeout"), std::string::npos) << failures.front();
-}
-
-// A service may send a header libcurl will not hold; that is not a lack of
-// memory, and the reason says so.
-TEST(NativeServiceClientTest, OversizedHeaderIsUnavailableAndNamedAsSuch) {
-  LoopbackServer server([&](httplib::Server& http) {
-    http.Get("/api/native/account/greeting", [&](const httplib::Request&, httplib::Response& response) {
-      response.status = 429;
-      response.set_header("Retry-After", std::string(200'000, '9'));
-    });
-  });
-  std::vector<std::string> failures;
-  NativeAccountAPI api(server.serviceOrigin(), observing(failures, 5s));
-  const auto result = api.send<Greeting>("/greeting");
-  ASSERT_FALSE(result.has_value());
-  EXPECT_EQ(result.error(), NativeAccountError::unavailable());
-  EXPECT_EQ(failures, std::vector<std::string>{"a response header is larger than the 100 KB libcurl accepts"});
-}
-
-TEST(NativeServiceClientTest, RefusedConnectionIsUnavailable) {
-  const NativeServiceOrigin origin = LoopbackServer([](httplib::Server&) {}).serviceOrigin();
-  std::vector<std::string> failures;
-  NativeAccountAPI api(origin, observing(failures, 5s));
-  const auto result = api.send<Greeting>("/greeting");
-  ASSERT_FALSE(result.has_value());
-  EXPECT_EQ(result.error(), NativeAccountError::unavailable());
-  EXPECT_EQ(failures.size(), 1u);
+    const auto started = Clock::now();
+    const auto result = api.send<Greeting>("/greeting");
+    EXPECT_LT(Clock::now() - started, 3s);
+    ASSERT_FALSE(result.has_value());
+    EXPECT_EQ(result.error(), NativeAccountError::unavailable());
+    ASSERT_EQ(failures.size(), 1u);
+    EXPECT_NE(failures.front().find(c.reason), std::string::npos) << failures.front();
+  }
 }
 
 }  // namespace

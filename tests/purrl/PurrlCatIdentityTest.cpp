@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -53,27 +54,24 @@ TEST_F(PurrlCatIdentityTest, ClampsTheLevelAndReportsOnlyRealChanges) {
   }
 }
 
-TEST_F(PurrlCatIdentityTest, BindingAnotherOwnerClearsExactlyTheCatKeys) {
-  storeCatOf("account-a");
-  ASSERT_EQ(storedKeys(), (std::set<std::string>{"kovi.fonts.heading", "purrl.cat.level", "purrl.cat.mood",
-                                                 "purrl.cat.name", "purrl.cat.name.needsSync", "purrl.cat.owner"}));
-
-  ASSERT_TRUE(identity::bindOwner(store, "account-b"));
-  EXPECT_EQ(storedKeys(), (std::set<std::string>{"kovi.fonts.heading", "purrl.cat.owner"}));
-  EXPECT_EQ(identity::owner(store), "account-b");
-}
-
-TEST_F(PurrlCatIdentityTest, BindingTheSameOwnerClearsNothing) {
-  storeCatOf("account-a");
-  const auto before = store.values().value();
-  ASSERT_TRUE(identity::bindOwner(store, "account-a"));
-  EXPECT_EQ(store.values().value(), before);
-}
-
-TEST_F(PurrlCatIdentityTest, SigningOutClearsTheCatAndTheOwner) {
-  storeCatOf("account-a");
-  ASSERT_TRUE(identity::bindOwner(store, std::nullopt));
-  EXPECT_EQ(storedKeys(), (std::set<std::string>{"kovi.fonts.heading"}));
+// Another owner, or none, clears exactly the cat's keys; the same owner clears nothing.
+TEST_F(PurrlCatIdentityTest, BindingAnOwnerClearsTheCatOfAnotherOne) {
+  const std::set<std::string> everything{"kovi.fonts.heading", "purrl.cat.level", "purrl.cat.mood",
+                                         "purrl.cat.name", "purrl.cat.name.needsSync", "purrl.cat.owner"};
+  const struct {
+    std::optional<std::string> owner;
+    std::set<std::string> kept;
+  } cases[] = {{"account-a", everything},
+               {"account-b", {"kovi.fonts.heading", "purrl.cat.owner"}},
+               {std::nullopt, {"kovi.fonts.heading"}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.owner.value_or("signed out"));
+    storeCatOf("account-a");
+    ASSERT_EQ(storedKeys(), everything);
+    ASSERT_TRUE(identity::bindOwner(store, c.owner));
+    EXPECT_EQ(storedKeys(), c.kept);
+    EXPECT_EQ(identity::owner(store), c.owner);
+  }
 }
 
 TEST_F(PurrlCatIdentityTest, ALeftoverCatIsClearedOnSignOutAndKeptByTheFirstOwner) {

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -24,31 +23,20 @@ PurrlFocusMockNext paperAt(UnixMillis at, bool started = false) {
   return next;
 }
 
-struct WindowCase {
-  std::string name;
-  const char* now;
-  bool canStart;
-  friend void PrintTo(const WindowCase& c, std::ostream* out) { *out << c.name; }
-};
-
-class PurrlMockStartWindowTest : public ::testing::TestWithParam<WindowCase> {};
-
 // A paper planned for 10:00 opens at 09:45:00.000 and closes after 11:00:00.000.
-TEST_P(PurrlMockStartWindowTest, OpensFifteenMinutesBeforeAndClosesAnHourAfter) {
+TEST(PurrlMockStartWindowTest, OpensFifteenMinutesBeforeAndClosesAnHourAfter) {
   const UnixMillis at = instant("2026-05-10T10:00:00.000Z");
-  const UnixMillis now = instant(GetParam().now);
-  EXPECT_EQ(paperAt(at).canStart(now), GetParam().canStart);
-  EXPECT_FALSE(paperAt(at, /*started=*/true).canStart(now));
-}
-
-INSTANTIATE_TEST_SUITE_P(Bounds, PurrlMockStartWindowTest,
-                         ::testing::Values(WindowCase{"oneMilliBeforeOpening", "2026-05-10T09:44:59.999Z", false},
-                                           WindowCase{"opening", "2026-05-10T09:45:00.000Z", true},
-                                           WindowCase{"closing", "2026-05-10T11:00:00.000Z", true},
-                                           WindowCase{"oneMilliAfterClosing", "2026-05-10T11:00:00.001Z", false}),
-                         [](const auto& info) { return info.param.name; });
-
-TEST(PurrlMockStartWindowTest, ExtremeInstantsNeitherOverflowNorWrap) {
+  const struct {
+    const char* now;
+    bool canStart;
+  } cases[] = {{"2026-05-10T09:44:59.999Z", false}, {"2026-05-10T09:45:00.000Z", true},
+               {"2026-05-10T11:00:00.000Z", true}, {"2026-05-10T11:00:00.001Z", false}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.now);
+    EXPECT_EQ(paperAt(at).canStart(instant(c.now)), c.canStart);
+    EXPECT_FALSE(paperAt(at, /*started=*/true).canStart(instant(c.now)));
+  }
+  // Extreme instants neither overflow nor wrap.
   constexpr UnixMillis kMin = std::numeric_limits<UnixMillis>::min();
   constexpr UnixMillis kMax = std::numeric_limits<UnixMillis>::max();
   EXPECT_FALSE(paperAt(kMax).canStart(kMin));
@@ -69,6 +57,8 @@ TEST(PurrlMockNextCodingTest, RoundTripsAndRequiresStarted) {
   ASSERT_FALSE(missing.has_value());
   EXPECT_EQ(missing.error().message(), "started: missing key");
 }
+
+using enum PurrlFocusMockReminderKind;
 
 struct Expected {
   PurrlFocusMockReminderKind kind;
@@ -100,26 +90,28 @@ class PurrlMockReminderTest : public ::testing::Test {
   Calendar istanbul = Calendar::inZone("Europe/Istanbul").value();
 };
 
-TEST_F(PurrlMockReminderTest, OncePlanGetsTheEveAndSoonReminders) {
-  using enum PurrlFocusMockReminderKind;
-  expectReminders(purrlMockReminders(plan(PurrlFocusMockRepeat::once), at("2026-05-01T00:00:00Z"), istanbul),
-                  {{eve, "2026-05-09", "2026-05-08T20:00:00+03:00", "2026-05-09T10:15:00+03:00"},
-                   {soon, "2026-05-09", "2026-05-09T10:00:00+03:00", "2026-05-09T10:15:00+03:00"}});
-}
-
-TEST_F(PurrlMockReminderTest, RemindersAlreadyDueAreLeftOut) {
-  using enum PurrlFocusMockReminderKind;
-  const auto once = plan(PurrlFocusMockRepeat::once);
-  // After the eve reminder: only the soon one is left.
-  expectReminders(purrlMockReminders(once, at("2026-05-08T20:00:00+03:00"), istanbul),
-                  {{soon, "2026-05-09", "2026-05-09T10:00:00+03:00", "2026-05-09T10:15:00+03:00"}});
-  // Inside the start window nothing is left to remind of.
-  expectReminders(purrlMockReminders(once, at("2026-05-09T10:00:00+03:00"), istanbul), {});
-  expectReminders(purrlMockReminders(once, at("2026-06-01T00:00:00Z"), istanbul), {});
+// A single paper gets the eve and the soon reminder; those already due are left out.
+TEST_F(PurrlMockReminderTest, OncePlanGetsTheRemindersNotYetDue) {
+  const Expected theEve{eve, "2026-05-09", "2026-05-08T20:00:00+03:00", "2026-05-09T10:15:00+03:00"};
+  const Expected soonAfter{soon, "2026-05-09", "2026-05-09T10:00:00+03:00", "2026-05-09T10:15:00+03:00"};
+  const struct {
+    const char* now;
+    std::vector<Expected> reminders;
+  } cases[] = {{"2026-05-01T00:00:00Z", {theEve, soonAfter}},
+               {"2026-05-08T20:00:00+03:00", {soonAfter}},
+               // Inside the start window nothing is left to remind of.
+               {"2026-05-09T10:00:00+03:00", {}},
+               {"2026-06-01T00:00:00Z", {}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.now);
+    expectReminders(purrlMockReminders(plan(PurrlFocusMockRepeat::once), at(c.now), istanbul), c.reminders);
+  }
+  auto onNoDay = plan(PurrlFocusMockRepeat::weekly);
+  onNoDay.day = "2026-02-30";
+  EXPECT_TRUE(purrlMockReminders(onNoDay, at("2026-01-01T00:00:00Z"), istanbul).empty());
 }
 
 TEST_F(PurrlMockReminderTest, WeeklyPlanGetsFourComingWeeks) {
-  using enum PurrlFocusMockReminderKind;
   // Long after the plan began, between the eve and the paper of 2027-01-02.
   const auto reminders =
       purrlMockReminders(plan(PurrlFocusMockRepeat::weekly), at("2027-01-01T21:00:00+03:00"), istanbul);
@@ -134,7 +126,6 @@ TEST_F(PurrlMockReminderTest, WeeklyPlanGetsFourComingWeeks) {
 }
 
 TEST_F(PurrlMockReminderTest, WeeklyPlanFollowsTheWallClockAcrossDaylightSaving) {
-  using enum PurrlFocusMockReminderKind;
   const auto berlin = Calendar::inZone("Europe/Berlin").value();
   auto weekly = plan(PurrlFocusMockRepeat::weekly);
   weekly.day = "2026-03-21";
@@ -146,63 +137,48 @@ TEST_F(PurrlMockReminderTest, WeeklyPlanFollowsTheWallClockAcrossDaylightSaving)
   EXPECT_EQ(reminders[3].startsAt.unixMillis(), instant("2026-04-04T10:15:00+02:00"));
 }
 
-TEST_F(PurrlMockReminderTest, PlanOnNoDayHasNoReminders) {
-  auto broken = plan(PurrlFocusMockRepeat::weekly);
-  broken.day = "2026-02-30";
-  EXPECT_TRUE(purrlMockReminders(broken, at("2026-01-01T00:00:00Z"), istanbul).empty());
-}
-
 TEST(PurrlMockReminderMessageTest, NamesThePaper) {
   PurrlFocusMockReminder reminder;
   reminder.exam = PurrlFocusMockExam::lgsSozel;
-  reminder.kind = PurrlFocusMockReminderKind::soon;
+  reminder.kind = soon;
   EXPECT_EQ(reminder.message(), "LGS Sözel denemen 15 dakika sonra başlıyor. Hazırsan başlayabilirsin.");
-  reminder.kind = PurrlFocusMockReminderKind::eve;
+  reminder.kind = eve;
   EXPECT_EQ(reminder.message(), "Yarın LGS Sözel denemen var. Kedin de seninle erkenden hazır olacak.");
 }
 
-struct ScoreCase {
-  std::string name;
-  PurrlFocusMockExam exam;
-  std::vector<PurrlFocusMockSection> answers;
-  std::optional<double> net;  // nullopt: refused
-  std::string reason;
-  friend void PrintTo(const ScoreCase& c, std::ostream* out) { *out << c.name; }
-};
-
-class PurrlMockScoreTest : public ::testing::TestWithParam<ScoreCase> {};
-
-TEST_P(PurrlMockScoreTest, ScoresOrRefusesTheCountedAnswers) {
-  const ScoreCase& c = GetParam();
-  const auto result = PurrlFocusStudyLog::Result::scored(c.exam, c.answers);
-  if (!c.net) {
-    ASSERT_FALSE(result.has_value());
-    EXPECT_EQ(result.error(), c.reason);
-    return;
+TEST(PurrlMockScoreTest, ScoresOrRefusesTheCountedAnswers) {
+  using enum PurrlFocusMockExam;
+  const struct {
+    const char* name;
+    PurrlFocusMockExam exam;
+    std::vector<PurrlFocusMockSection> answers;
+    std::optional<double> net;  // nullopt: refused
+    std::string reason;
+  } cases[] = {
+      {"tyt: four wrong cancel one", tyt, {{"turkce", 30, 8, 2, 0}, {"fen", 10, 2, 8, 0}}, (30 - 2.0) + (10 - 0.5), ""},
+      {"lgs: three wrong cancel one", lgsSayisal, {{"mat", 14, 6, 0, 0}, {"fen", 18, 1, 1, 0}},
+       (14 - 2.0) + (18 - 1.0 / 3.0), ""},
+      {"ydt: four wrong cancel one", ydt, {{"dil", 60, 20, 0, 0}}, 55.0, ""},
+      {"no sections taken", ayt, {}, 0.0, ""},
+      {"section of another paper", lgsSozel, {{"mat", 10, 0, 10, 0}}, std::nullopt,
+       "section mat is not part of lgs_sozel"},
+      {"counts do not add up", tyt, {{"sosyal", 10, 5, 4, 0}}, std::nullopt, "section sosyal has 20 questions, not 19"},
+      {"section twice", ydt, {{"dil", 80, 0, 0, 0}, {"dil", 80, 0, 0, 0}}, std::nullopt, "section dil is counted twice"},
+      {"negative count", tyt, {{"fen", 21, -1, 0, 0}}, std::nullopt, "section fen has a negative count"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    const auto result = PurrlFocusStudyLog::Result::scored(c.exam, c.answers);
+    if (!c.net) {
+      ASSERT_FALSE(result.has_value());
+      EXPECT_EQ(result.error(), c.reason);
+      continue;
+    }
+    ASSERT_TRUE(result.has_value()) << result.error();
+    EXPECT_DOUBLE_EQ(result->net, *c.net);
+    EXPECT_EQ(result->sections.size(), c.answers.size());
   }
-  ASSERT_TRUE(result.has_value()) << result.error();
-  EXPECT_DOUBLE_EQ(result->net, *c.net);
-  ASSERT_EQ(result->sections.size(), c.answers.size());
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Papers, PurrlMockScoreTest,
-    ::testing::Values(
-        ScoreCase{"tytFourWrongCancelOne", PurrlFocusMockExam::tyt,
-                  {{"turkce", 30, 8, 2, 0}, {"fen", 10, 2, 8, 0}}, (30 - 2.0) + (10 - 0.5), ""},
-        ScoreCase{"lgsThreeWrongCancelOne", PurrlFocusMockExam::lgsSayisal,
-                  {{"mat", 14, 6, 0, 0}, {"fen", 18, 1, 1, 0}}, (14 - 2.0) + (18 - 1.0 / 3.0), ""},
-        ScoreCase{"ydtSingleSection", PurrlFocusMockExam::ydt, {{"dil", 60, 20, 0, 0}}, 55.0, ""},
-        ScoreCase{"noSectionsTaken", PurrlFocusMockExam::ayt, {}, 0.0, ""},
-        ScoreCase{"sectionOfAnotherPaper", PurrlFocusMockExam::lgsSozel, {{"mat", 10, 0, 10, 0}}, std::nullopt,
-                  "section mat is not part of lgs_sozel"},
-        ScoreCase{"countsDoNotAddUp", PurrlFocusMockExam::tyt, {{"sosyal", 10, 5, 4, 0}}, std::nullopt,
-                  "section sosyal has 20 questions, not 19"},
-        ScoreCase{"sectionTwice", PurrlFocusMockExam::ydt, {{"dil", 80, 0, 0, 0}, {"dil", 80, 0, 0, 0}},
-                  std::nullopt, "section dil is counted twice"},
-        ScoreCase{"negativeCount", PurrlFocusMockExam::tyt, {{"fen", 21, -1, 0, 0}}, std::nullopt,
-                  "section fen has a negative count"}),
-    [](const auto& info) { return info.param.name; });
 
 }  // namespace
 }  // namespace kovi

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -14,86 +13,61 @@ namespace kovi {
 namespace {
 
 TEST(PurrlExamGroupTest, FollowsTheSubjectPrefix) {
-  struct Case {
+  const struct {
     std::string subject;
     std::optional<PurrlFocusExamGroup> group;
-  };
-  const std::vector<Case> cases{
+  } cases[] = {
       {"tyt_turkce", PurrlFocusExamGroup::tyt}, {"ayt_edebiyat", PurrlFocusExamGroup::ayt},
       {"ydt_dil", PurrlFocusExamGroup::ydt},    {"lgs_ingilizce", PurrlFocusExamGroup::lgs},
-      {"paragraf", std::nullopt},               {"custom", std::nullopt},
-      {"TYT_mat", std::nullopt},                {"tyt", std::nullopt},
+      {"paragraf", std::nullopt},               {"TYT_mat", std::nullopt},
+      {"tyt", std::nullopt},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.subject);
     EXPECT_EQ(purrlExamGroup(c.subject), c.group);
   }
-}
-
-TEST(PurrlExamGroupTest, EverySubjectCaseAgreesWithItsRawValue) {
   for (const auto& [subject, raw] : EnumNames<PurrlFocusSubject>::table) {
     SCOPED_TRACE(raw);
     EXPECT_EQ(purrlExamGroup(subject), purrlExamGroup(raw));
   }
-}
-
-TEST(PurrlExamGroupTest, BothLgsPapersBelongToTheLgsGroup) {
   EXPECT_EQ(purrlExamGroup(PurrlFocusMockExam::lgsSozel), PurrlFocusExamGroup::lgs);
   EXPECT_EQ(purrlExamGroup(PurrlFocusMockExam::lgsSayisal), PurrlFocusExamGroup::lgs);
-  EXPECT_EQ(purrlExamGroup(PurrlFocusMockExam::ydt), PurrlFocusExamGroup::ydt);
 }
 
-struct IdentityCase {
-  std::string name;
-  PurrlFocusDailySet set;
-  std::string identity;
-  friend void PrintTo(const IdentityCase& c, std::ostream* out) { *out << c.name; }
-};
-
-class PurrlDailySetIdentityTest : public ::testing::TestWithParam<IdentityCase> {};
-
-TEST_P(PurrlDailySetIdentityTest, IsTheSubjectOrTheLowerCaseCustomLabel) {
-  EXPECT_EQ(GetParam().set.identity(), GetParam().identity);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Sets, PurrlDailySetIdentityTest,
-    ::testing::Values(IdentityCase{"subject", {"tyt_mat", "Matematik", 40, 0, false}, "tyt_mat"},
-                      IdentityCase{"customUpperCase", {"custom", "DENEME", 20, 0, false}, "custom:deneme"},
-                      IdentityCase{"customTurkishCapitals", {"custom", "ÇÖZÜM ŞIK", 20, 0, false}, "custom:çözüm şik"},
-                      IdentityCase{"customWithoutLabel", {"custom", std::nullopt, 20, 0, false}, "custom:"},
-                      IdentityCase{"unknownSubject", {"kpss_gk", "Genel", 10, 0, false}, "kpss_gk"}),
-    [](const auto& info) { return info.param.name; });
-
-TEST(PurrlDailySetTest, BecomesATargetOnlyForAKnownSubject) {
+// The identity is the subject, or for a custom set its label in lower case.
+TEST(PurrlDailySetTest, IdentityAndTarget) {
+  const struct {
+    PurrlFocusDailySet set;
+    std::string identity;
+  } cases[] = {{{"tyt_mat", "Matematik", 40, 0, false}, "tyt_mat"},
+               {{"custom", "ÇÖZÜM ŞIK", 20, 0, false}, "custom:çözüm şik"},
+               {{"custom", std::nullopt, 20, 0, false}, "custom:"},
+               {{"kpss_gk", "Genel", 10, 0, false}, "kpss_gk"}};
+  for (const auto& c : cases) EXPECT_EQ(c.set.identity(), c.identity);
+  // Only a known subject becomes a target.
   EXPECT_EQ((PurrlFocusDailySet{"ayt_fizik", std::nullopt, 25, 10, false}.asTarget()),
             (PurrlFocusDailySetTarget{PurrlFocusSubject::aytFizik, std::nullopt, 25}));
   EXPECT_EQ((PurrlFocusDailySet{"custom", "Deneme", 15, 0, false}.asTarget()),
             (PurrlFocusDailySetTarget{PurrlFocusSubject::custom, "Deneme", 15}));
   EXPECT_EQ((PurrlFocusDailySet{"TYT_MAT", std::nullopt, 25, 0, false}.asTarget()), std::nullopt);
-}
-
-TEST(PurrlDailySetTest, TargetSubjectsAreClosed) {
   const auto target = decodeJsonText<PurrlFocusDailySetTarget>(R"({"subject":"kpss_gk","target":5})");
   ASSERT_FALSE(target.has_value());
   EXPECT_EQ(target.error().message(), "subject: unknown value \"kpss_gk\"");
 }
 
-struct DaysLeftCase {
-  const char* today;
-  const char* exam;
-  std::optional<int> daysLeft;
-};
-
 TEST(PurrlDaysLeftTest, CountsWholeDaysWithoutTheExamDay) {
   const auto berlin = Calendar::inZone("Europe/Berlin").value();
-  const std::vector<DaysLeftCase> cases{
+  const struct {
+    const char* today;
+    const char* exam;
+    std::optional<int> daysLeft;
+  } cases[] = {
       {"2026-06-20", "2026-06-20", 0},  {"2026-06-19", "2026-06-20", 1},
       {"2026-06-21", "2026-06-20", -1}, {"2026-03-28", "2026-03-30", 2},  // across the spring change
       {"2026-10-24", "2026-10-26", 2},  {"2025-06-20", "2026-06-20", 365},
       {"2026-06-20", "2026-02-30", std::nullopt}, {"today", "2026-06-20", std::nullopt},
   };
-  for (const DaysLeftCase& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.today) + " → " + c.exam);
     EXPECT_EQ(purrlDaysLeft(c.today, c.exam, berlin), c.daysLeft);
   }

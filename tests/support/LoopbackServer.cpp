@@ -31,6 +31,38 @@ NativeServiceOrigin LoopbackServer::serviceOrigin() const {
   return *origin;
 }
 
+std::string ReceivedRequest::header(const std::string& name) const {
+  const auto found = headers.find(name);
+  return found != headers.end() ? found->second : "<absent>";
+}
+
+RecordingServer::RecordingServer()
+    : server_([this](httplib::Server& http) {
+        const auto handle = [this](const httplib::Request& request, httplib::Response& response) {
+          const std::lock_guard lock(mutex_);
+          received_.push_back({request.method, request.path, request.headers, request.body, request.remote_port});
+          const auto found = answers_.find(request.path);
+          if (found == answers_.end()) {
+            response.status = 404;
+            return;
+          }
+          response.status = found->second.first;
+          response.set_content(found->second.second, "application/json");
+        };
+        http.Get(".*", handle);
+        http.Post(".*", handle);
+      }) {}
+
+void RecordingServer::answer(const std::string& path, int status, std::string body) {
+  const std::lock_guard lock(mutex_);
+  answers_[path] = {status, std::move(body)};
+}
+
+std::vector<ReceivedRequest> RecordingServer::takeReceived() {
+  const std::lock_guard lock(mutex_);
+  return std::exchange(received_, {});
+}
+
 void Gate::open() {
   {
     std::lock_guard lock(mutex_);

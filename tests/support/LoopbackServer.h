@@ -5,9 +5,12 @@
 #include <chrono>
 #include <condition_variable>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "KoviKit/native/NativeServiceOrigin.h"
 
@@ -31,6 +34,37 @@ class LoopbackServer {
   httplib::Server server_;
   int port_ = -1;
   std::thread thread_;
+};
+
+// What a recording server received of one request.
+struct ReceivedRequest {
+  std::string method;
+  std::string path;
+  httplib::Headers headers;
+  std::string body;
+  int remotePort = 0;
+
+  // The header's value, or "<absent>".
+  std::string header(const std::string& name) const;
+};
+
+// A loopback server that answers each GET and POST with the status and JSON
+// body set for its path (404 for any other) and keeps what it received.
+class RecordingServer {
+ public:
+  RecordingServer();
+
+  void answer(const std::string& path, int status, std::string body);
+  // What was received since the last call, in order.
+  std::vector<ReceivedRequest> takeReceived();
+  NativeServiceOrigin serviceOrigin() const { return server_.serviceOrigin(); }
+
+ private:
+  std::mutex mutex_;
+  std::map<std::string, std::pair<int, std::string>> answers_;
+  std::vector<ReceivedRequest> received_;
+  // Last, so that it stops before what its handlers use goes away.
+  LoopbackServer server_;
 };
 
 // Holds a handler back until the test opens it (or the limit passes), so a

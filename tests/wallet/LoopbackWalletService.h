@@ -24,11 +24,19 @@ struct WalletChainScript {
   bool loseSubmissionAnswer = false;
 };
 
+// What the service has seen so far.
+struct WalletServiceRecord {
+  int contributions = 0;  // operations that reached the chain (one per request id)
+  int approvals = 0;      // approvals whose assertion verified
+  std::vector<std::string> actions;  // the actions received, in order
+  std::string lastRefusal;           // the error code of the last refusal, if any
+};
+
 // The wallet service as the tests need it, on 127.0.0.1: it prepares
 // operations, verifies each approval as a WebAuthn server does (registered
-// credential and public key, relying-party hash, user present and verified,
-// rising counter, challenge = base64url of the user operation hash,
-// origin, and the signature over authenticatorData ‖ SHA-256(clientDataJSON)),
+// credential and public key, relying-party hash, challenge = base64url of the
+// user operation hash, origin, and the signature over authenticatorData ‖
+// SHA-256(clientDataJSON); flags and counter are the passkey's own tests'),
 // counts one contribution per operation however often it is submitted, and
 // answers with the service's error codes.
 class LoopbackWalletService {
@@ -38,14 +46,7 @@ class LoopbackWalletService {
 
   NativeServiceOrigin origin() const { return server_.serviceOrigin(); }
 
-  // Operations that reached the chain (one per request id).
-  int contributions() const;
-  // Approvals whose assertion verified.
-  int approvals() const;
-  // The actions received, in order.
-  std::vector<std::string> actions() const;
-  // The error code of the last refusal, if any.
-  std::string lastRefusal() const;
+  WalletServiceRecord record() const;
 
  private:
   struct Entry {
@@ -64,11 +65,7 @@ class LoopbackWalletService {
 
   mutable std::mutex mutex_;
   std::map<std::string, Entry> operations_;
-  std::vector<std::string> actions_;
-  std::string lastRefusal_;
-  std::uint32_t lastCounter_ = 0;
-  int contributions_ = 0;
-  int approvals_ = 0;
+  WalletServiceRecord record_;
   bool answerLost_ = false;
 
   LoopbackServer server_;

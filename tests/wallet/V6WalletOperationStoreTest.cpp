@@ -43,51 +43,44 @@ TEST(V6WalletOperationStoreTest, KeepsEachMembersLastOperationInItsOwnFile) {
   EXPECT_TRUE(std::filesystem::exists(directory.path() / "Kovi/WalletOperations/v1/member-2.json"));
 }
 
-struct DamagedCase {
-  std::string name;
-  std::string contents;
-  Error::Kind kind;
-  std::string detail;
-};
+// A damaged or newer file is reported with its path and never overwritten.
+TEST(V6WalletOperationStoreTest, ReportsADamagedFileAndNeverOverwritesIt) {
+  const struct {
+    std::string contents;
+    Error::Kind kind;
+    std::string detail;
+  } cases[] = {
+      {R"({"version":1,"operation":{"requestId")", Error::Kind::corrupt,
+       "not valid JSON at line 1, column 38: syntax error while parsing object separator - unexpected end of input; "
+       "expected ':'"},
+      {R"({"version":1})", Error::Kind::corrupt, "operation: missing key"},
+      {R"({"version":1,"operation":{},"extra":1})", Error::Kind::corrupt, "extra: unknown key"},
+      {R"({"version":1,"version":1,"operation":{}})", Error::Kind::corrupt, "version: duplicate key"},
+      {R"({"version":2,"operation":{"shape":"new"}})", Error::Kind::unsupportedVersion, "version 2"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.contents);
+    testing::TemporaryDirectory directory;
+    V6WalletOperationStore store(directory.path());
+    const auto path = directory.path() / "Kovi/WalletOperations/v1/m.json";
+    ASSERT_TRUE(writeFileAtomically(path, c.contents).has_value());
 
-void PrintTo(const DamagedCase& example, std::ostream* out) { *out << example.name; }
-
-class V6WalletOperationStoreDamageTest : public ::testing::TestWithParam<DamagedCase> {};
-
-TEST_P(V6WalletOperationStoreDamageTest, ReportsTheFileAndNeverOverwritesIt) {
-  testing::TemporaryDirectory directory;
-  V6WalletOperationStore store(directory.path());
-  const auto path = directory.path() / "Kovi/WalletOperations/v1/m.json";
-  ASSERT_TRUE(writeFileAtomically(path, GetParam().contents).has_value());
-
-  const auto loaded = store.load("m");
-  ASSERT_FALSE(loaded.has_value());
-  EXPECT_EQ(loaded.error(), (Error{GetParam().kind, path, GetParam().detail}));
-  EXPECT_NE(loaded.error().message().find(path.string()), std::string::npos);
-
-  const auto saved = store.save("m", anOperation(V6WalletOperationStatus::prepared));
-  ASSERT_FALSE(saved.has_value());
-  EXPECT_EQ(saved.error().kind, GetParam().kind);
-  EXPECT_EQ(fileText(path), GetParam().contents);
+    const auto loaded = store.load("m");
+    ASSERT_FALSE(loaded.has_value());
+    EXPECT_EQ(loaded.error(), (Error{c.kind, path, c.detail}));
+    EXPECT_NE(loaded.error().message().find(path.string()), std::string::npos);
+    const auto saved = store.save("m", anOperation(V6WalletOperationStatus::prepared));
+    ASSERT_FALSE(saved.has_value());
+    EXPECT_EQ(saved.error().kind, c.kind);
+    EXPECT_EQ(fileText(path), c.contents);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Damage, V6WalletOperationStoreDamageTest,
-    ::testing::Values(DamagedCase{"cut short", R"({"version":1,"operation":{"requestId")", Error::Kind::corrupt,
-                                  "not valid JSON at line 1, column 38: syntax error while parsing object separator - "
-                                  "unexpected end of input; expected ':'"},
-                      DamagedCase{"operation missing", R"({"version":1})", Error::Kind::corrupt, "operation: missing key"},
-                      DamagedCase{"unknown key", R"({"version":1,"operation":{},"extra":1})", Error::Kind::corrupt,
-                                  "extra: unknown key"},
-                      DamagedCase{"repeated key", R"({"version":1,"version":1,"operation":{}})", Error::Kind::corrupt,
-                                  "version: duplicate key"},
-                      DamagedCase{"newer version", R"({"version":2,"operation":{"shape":"new"}})",
-                                  Error::Kind::unsupportedVersion, "version 2"}));
 
 TEST(V6WalletOperationStoreTest, RefusesMemberIdsThatCannotNameAFile) {
   testing::TemporaryDirectory directory;
   V6WalletOperationStore store(directory.path());
-  for (const std::string& member : std::vector<std::string>{"", "../escape", ".hidden", "a/b", std::string(129, 'x'), std::string("nul\0x", 5)}) {
+  for (const std::string& member :
+       std::vector<std::string>{"", "../escape", ".hidden", "a/b", std::string(129, 'x'), std::string("nul\0x", 5)}) {
     const auto saved = store.save(member, anOperation(V6WalletOperationStatus::prepared));
     ASSERT_FALSE(saved.has_value()) << member;
     EXPECT_EQ(saved.error().kind, Error::Kind::invalidMember);

@@ -24,22 +24,14 @@ V6WalletDraft walkingDraft() {
   return *draft;
 }
 
-struct RequestCase {
-  std::string name;
-  V6WalletRequest request;
-  std::string encoded;
-};
-
-void PrintTo(const RequestCase& example, std::ostream* out) { *out << example.name; }
-
-std::vector<RequestCase> requestCases() {
+TEST(V6WalletRequestTest, EncodesKeysInOrderAndLeavesAbsentOnesOut) {
   V6WalletRequest status;
   status.action = "operation";
   status.requestId = "r9";
 
   V6WalletRequest prepare;
   prepare.action = "prepareOperation";
-  prepare.requestId = "0f0e0d0c-0b0a-4908-8706-050403020100";
+  prepare.requestId = "r1";
   prepare.intent = V6WalletIntent{"create", std::nullopt, walkingDraft(), "digest", std::nullopt, true};
 
   V6WalletRequest approve;
@@ -59,30 +51,24 @@ std::vector<RequestCase> requestCases() {
   every.day = "2026-11-22";
   every.steps = 12000;
 
-  return {
-      {"status check carries the action and id only", status, R"({"action":"operation","requestId":"r9"})"},
-      {"prepare nests the intent and the draft in declared order",
-       prepare,
-       R"({"action":"prepareOperation","requestId":"0f0e0d0c-0b0a-4908-8706-050403020100","intent":{"kind":"create",)"
+  const struct {
+    V6WalletRequest request;
+    std::string encoded;
+  } cases[] = {
+      {status, R"({"action":"operation","requestId":"r9"})"},
+      // The intent and the draft in their declared order; the rules as canonical JSON.
+      {prepare,
+       R"({"action":"prepareOperation","requestId":"r1","intent":{"kind":"create",)"
        R"("draft":{"domain":"walking","title":"Yürüyüş","salt":"s1","invitees":["a"],"stakeAmount":"0.5","capacity":3,)"
        R"("joinDeadline":1700000000,"rules":{"durationDays":2,"exitPenaltyBps":0,"goalMode":"total","mode":"goal",)"
        R"("payoutRule":"equalSuccessful","rankPayoutsBps":[],"stepTarget":20000,"verificationWindowHours":24},)"
        R"("start":{"mode":"walkingFixedStart","startsAt":1700003600}},"reviewDigest":"digest","approved":true}})"},
-      {"approve carries the assertion", approve,
-       R"({"action":"approveOperation","requestId":"r1","assertion":{"credentialId":"aWQ","signature":"c2ln"}})"},
-      {"every key in the request's order", every,
-       R"({"action":"x","requestId":"r","reference":"KOVI-AAAA","cursor":"c","destination":"d",)"
-       R"("code":"KOVI-ABCD-EFGH","address":"0xab","day":"2026-11-22","steps":12000})"},
+      {approve, R"({"action":"approveOperation","requestId":"r1","assertion":{"credentialId":"aWQ","signature":"c2ln"}})"},
+      {every, R"({"action":"x","requestId":"r","reference":"KOVI-AAAA","cursor":"c","destination":"d",)"
+              R"("code":"KOVI-ABCD-EFGH","address":"0xab","day":"2026-11-22","steps":12000})"},
   };
+  for (const auto& c : cases) EXPECT_EQ(encodeV6WalletRequest(c.request), c.encoded);
 }
-
-class V6WalletRequestTest : public ::testing::TestWithParam<RequestCase> {};
-
-TEST_P(V6WalletRequestTest, EncodesKeysInOrderAndLeavesAbsentOnesOut) {
-  EXPECT_EQ(encodeV6WalletRequest(GetParam().request), GetParam().encoded);
-}
-
-INSTANTIATE_TEST_SUITE_P(Requests, V6WalletRequestTest, ::testing::ValuesIn(requestCases()));
 
 TEST(V6WalletRequestTest, RequestIdsAreFreshVersion4Uuids) {
   const std::string first = makeV6WalletRequestId();
@@ -122,78 +108,64 @@ TEST(V6WalletOperationTest, DecodesTheServersOperationAndEncodesItBack) {
   EXPECT_EQ(*again, operation);
 }
 
-struct RefusalCase {
-  std::string name;
-  std::string document;
-  std::string message;
-};
-
-void PrintTo(const RefusalCase& example, std::ostream* out) { *out << example.name; }
-
-class V6WalletResponseRefusalTest : public ::testing::TestWithParam<RefusalCase> {};
-
-TEST_P(V6WalletResponseRefusalTest, RefusesWithThePlaceAndReason) {
-  const auto decoded = decodeJsonText<V6WalletResponse>(GetParam().document);
-  ASSERT_FALSE(decoded.has_value());
-  EXPECT_EQ(decoded.error().message(), GetParam().message);
-}
-
 std::string nested(int depth) { return std::string(depth, '[') + std::string(depth, ']'); }
 
-INSTANTIATE_TEST_SUITE_P(
-    Refusals, V6WalletResponseRefusalTest,
-    ::testing::Values(
-        RefusalCase{"unknown status", R"({"operation":)" + operationJson("pending") + "}",
-                    "operation.status: unknown value \"pending\""},
-        RefusalCase{"short hash", R"({"operation":)" + operationJson("prepared", R"(,"transactionHash":"0xab")") + "}",
-                    "operation.transactionHash: expected 0x and 64 hex digits"},
-        RefusalCase{"repeated key inside the operation",
-                    R"({"operation":)" + operationJson("prepared", R"(,"status":"confirmed")") + "}",
-                    "operation.status: duplicate key"},
-        RefusalCase{"missing expiry", R"({"operation":{"requestId":"r","protocol":"p","revision":1,)"
-                                      R"("status":"prepared","signed":false,"createdAt":1}})",
-                    "operation.expiresAt: missing key"},
-        RefusalCase{"plan nested too deeply", R"({"facts":)" + nested(130) + "}", "nested deeper than 128 levels"},
-        RefusalCase{"user operation field not a string",
-                    R"({"operation":)" + operationJson("prepared", R"(,"operation":{"nonce":7})") + "}",
-                    "operation.operation.nonce: expected a string, found a number"},
-        RefusalCase{"not JSON", "{\"operation\":",
-                    "not valid JSON at line 1, column 14: syntax error while parsing value - unexpected end of input; "
-                    "expected '[', '{', or a literal"}));
-
-struct KoviCase {
-  std::string registryAddress;
-  std::string koviId;
-  std::optional<std::string> message;
-};
-
-class V6WalletKoviTest : public ::testing::TestWithParam<KoviCase> {};
-
-TEST_P(V6WalletKoviTest, ChecksRegistryAddressAndKoviNumber) {
-  const std::string document = R"({"chainId":84532,"reference":"KOVI-AAAA","registryAddress":")" +
-                               GetParam().registryAddress + R"(","koviId":")" + GetParam().koviId +
-                               R"(","domain":"walking","creator":"0x1","termsHash":"t","deploymentFingerprint":"f"})";
-  const auto decoded = decodeJsonText<V6WalletKovi>(document);
-  if (!GetParam().message) {
-    ASSERT_TRUE(decoded.has_value()) << decoded.error().message();
-    EXPECT_EQ(decoded->koviId.text, GetParam().koviId);
-  } else {
+TEST(V6WalletResponseTest, RefusesWithThePlaceAndReason) {
+  const struct {
+    std::string document;
+    std::string message;
+  } cases[] = {
+      {R"({"operation":)" + operationJson("pending") + "}", "operation.status: unknown value \"pending\""},
+      {R"({"operation":)" + operationJson("prepared", R"(,"transactionHash":"0xab")") + "}",
+       "operation.transactionHash: expected 0x and 64 hex digits"},
+      {R"({"operation":)" + operationJson("prepared", R"(,"status":"confirmed")") + "}",
+       "operation.status: duplicate key"},
+      {R"({"operation":{"requestId":"r","protocol":"p","revision":1,"status":"prepared","signed":false,"createdAt":1}})",
+       "operation.expiresAt: missing key"},
+      {R"({"facts":)" + nested(130) + "}", "nested deeper than 128 levels"},
+      {R"({"operation":)" + operationJson("prepared", R"(,"operation":{"nonce":7})") + "}",
+       "operation.operation.nonce: expected a string, found a number"},
+      {"{\"operation\":", "not valid JSON at line 1, column 14: syntax error while parsing value - unexpected end of "
+                          "input; expected '[', '{', or a literal"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.message);
+    const auto decoded = decodeJsonText<V6WalletResponse>(c.document);
     ASSERT_FALSE(decoded.has_value());
-    EXPECT_EQ(decoded.error().message(), *GetParam().message);
+    EXPECT_EQ(decoded.error().message(), c.message);
   }
 }
 
-const std::string kAddress = "0x" + std::string(40, 'a');
-const std::string kIdReason = "expected a positive decimal number of at most 78 digits without leading zeros";
-
-INSTANTIATE_TEST_SUITE_P(
-    Kovis, V6WalletKoviTest,
-    ::testing::Values(KoviCase{kAddress, "1", std::nullopt}, KoviCase{"0x" + std::string(40, 'F'), "9" + std::string(77, '9'), std::nullopt},
-                      KoviCase{kAddress, "1" + std::string(78, '0'), "koviId: " + kIdReason},
-                      KoviCase{kAddress, "0", "koviId: " + kIdReason}, KoviCase{kAddress, "07", "koviId: " + kIdReason},
-                      KoviCase{"0x" + std::string(39, 'a'), "1", "registryAddress: expected 0x and 40 hex digits"},
-                      KoviCase{"0X" + std::string(40, 'a'), "1", "registryAddress: expected 0x and 40 hex digits"},
-                      KoviCase{"0x" + std::string(39, 'a') + "g", "1", "registryAddress: expected 0x and 40 hex digits"}));
+TEST(V6WalletKoviTest, ChecksRegistryAddressAndKoviNumber) {
+  const std::string address = "0x" + std::string(40, 'a');
+  const std::string idReason = "koviId: expected a positive decimal number of at most 78 digits without leading zeros";
+  const std::string addressReason = "registryAddress: expected 0x and 40 hex digits";
+  const struct {
+    std::string registryAddress;
+    std::string koviId;
+    std::optional<std::string> message;
+  } cases[] = {{address, "1", std::nullopt},
+               {"0x" + std::string(40, 'F'), "9" + std::string(77, '9'), std::nullopt},
+               {address, "1" + std::string(78, '0'), idReason},
+               {address, "0", idReason},
+               {address, "07", idReason},
+               {"0x" + std::string(39, 'a'), "1", addressReason},
+               {"0X" + std::string(40, 'a'), "1", addressReason},
+               {"0x" + std::string(39, 'a') + "g", "1", addressReason}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.registryAddress + " " + c.koviId);
+    const auto decoded = decodeJsonText<V6WalletKovi>(
+        R"({"chainId":84532,"reference":"KOVI-AAAA","registryAddress":")" + c.registryAddress + R"(","koviId":")" +
+        c.koviId + R"(","domain":"walking","creator":"0x1","termsHash":"t","deploymentFingerprint":"f"})");
+    if (!c.message) {
+      ASSERT_TRUE(decoded.has_value()) << decoded.error().message();
+      EXPECT_EQ(decoded->koviId.text, c.koviId);
+    } else {
+      ASSERT_FALSE(decoded.has_value());
+      EXPECT_EQ(decoded.error().message(), *c.message);
+    }
+  }
+}
 
 TEST(V6WalletDraftTest, ChecksTheRulesWithTheDomainsOwnRules) {
   V6WalletDraft draft = walkingDraft();

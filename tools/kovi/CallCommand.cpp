@@ -125,8 +125,7 @@ void addCallCommand(CLI::App& app) {
           },
           "PATH"));
   command->add_option("--body", options->body, "JSON to POST, or @FILE to read it from FILE (@- for standard input)");
-  command->add_option("--token", options->token, "Session token, sent as \"Authorization: Bearer TOKEN\"")
-      ->envname("KOVI_SERVICE_TOKEN");
+  addTokenOption(command, options->token);
   addDurationOption(command, "--timeout", options->timeoutSeconds, "Seconds before the request is given up", 0.001,
                     3600.0)
       ->default_str("60");

@@ -20,4 +20,8 @@ std::expected<NativeServiceOrigin, std::string> configuredOrigin() {
   return origin;
 }
 
+CLI::Option* addTokenOption(CLI::App* command, std::optional<std::string>& token) {
+  return command->add_option("--token", token, "Session token for the service (never printed)")->envname("KOVI_TOKEN");
+}
+
 }  // namespace kovi::tool

@@ -117,8 +117,7 @@ void checkStatus(const OperationOptions& options) {
 void addOperationOptions(CLI::App& command, OperationOptions& options) {
   command.add_option("--account", options.account, "The member's account id; names the member's operation file")
       ->required();
-  command.add_option("--token", options.token, "Session token, sent as \"Authorization: Bearer TOKEN\"")
-      ->envname("KOVI_TOKEN");
+  addTokenOption(&command, options.token);
   command.add_option("--passkey", options.passkey, "The credential id to approve with; default the only passkey");
   addIntegerOption(&command, "--poll-interval-ms", options.pollIntervalMs,
                    "Milliseconds between reads while observing (default 3000)", std::int64_t{1}, std::int64_t{600'000});
