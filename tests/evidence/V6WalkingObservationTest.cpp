@@ -23,22 +23,14 @@ WalkingEvidenceBuckets::SanitizedDay dayReadAt(UnixMillis cutoff) {
   return WalkingEvidenceBuckets::sanitize(kWindow, HealthEvidenceReadOutcome::measured, buckets, cutoff).value();
 }
 
+// A cutoff on a grid line closes the bucket ending there; once the day is over the cutoff is the day's end.
 TEST(V6WalkingObservation, CarriesClosedBucketsAsWholeStepStrings) {
-  struct Case {
-    std::string name;
-    UnixMillis cutoff;
-    UnixMillis expectedCutoff;
-    std::size_t buckets;
-  };
-  for (const Case& example : {
-           Case{"cutoffOnAGridLine", kWindow.start + 3 * kBucket, kWindow.start + 3 * kBucket, 3},
-           Case{"dayOver", kWindow.end + 5 * kMinute, kWindow.end, 3},
-       }) {
-    SCOPED_TRACE(example.name);
-    const auto observation = V6WalkingObservation::fromDay(dayReadAt(example.cutoff), example.cutoff);
+  for (const auto& [cutoff, expected] : {std::pair{kWindow.start + 3 * kBucket, kWindow.start + 3 * kBucket},
+                                         std::pair{kWindow.end + 5 * kMinute, kWindow.end}}) {
+    const auto observation = V6WalkingObservation::fromDay(dayReadAt(cutoff), cutoff);
     ASSERT_TRUE(observation.has_value());
-    EXPECT_EQ(observation->measurementCutoff, example.expectedCutoff);
-    EXPECT_EQ(observation->buckets.size(), example.buckets);
+    EXPECT_EQ(observation->measurementCutoff, expected);
+    EXPECT_EQ(observation->buckets.size(), 3u);
     EXPECT_EQ(observation->buckets[0], (V6WalkingBucket{kWindow.start, kWindow.start + kBucket, "1200"}));
   }
 }
@@ -78,10 +70,7 @@ TEST(V6WalkingObservation, PayloadNamesTheCutoffClosedThroughAndTheWireFormMeasu
 }
 
 TEST(V6WalkingObservation, StepsOnTheWireAreWholeNonNegativeDecimals) {
-  struct Case {
-    std::string_view steps;
-    bool accepted;
-  };
+  struct Case { std::string_view steps; bool accepted; };
   for (const Case& example : {Case{R"("0")", true}, Case{R"("9223372036854775807")", true},
                               Case{R"("9223372036854775808")", false}, Case{R"("01")", false}, Case{R"("-1")", false},
                               Case{R"("1.5")", false}, Case{R"("")", false}, Case{"1200", false}}) {
@@ -112,11 +101,8 @@ TEST(V6WalkingContext, DecodesTheServersRecordAndIgnoresNewKeys) {
   EXPECT_EQ(context->rules.stepTarget, 20000);
 }
 
-TEST(V6WalkingReceipt, DecodesAcceptedDaysAndRefusesBrokenOnesWithTheKeyPath) {
-  struct Case {
-    std::string_view text;
-    std::string_view error;
-  };
+TEST(V6WalkingReceipt, RefusesABrokenReceiptWithTheKeyPath) {
+  struct Case { std::string_view text; std::string_view error; };
   for (const Case& example : {
            Case{R"({"requestId":"r","writerEpoch":1,"deviceKeyId":"k","accepted":[{"day":0,"revision":"2",)"
                 R"("payloadHash":"ff"}]})",
@@ -128,10 +114,6 @@ TEST(V6WalkingReceipt, DecodesAcceptedDaysAndRefusesBrokenOnesWithTheKeyPath) {
     ASSERT_FALSE(receipt.has_value());
     EXPECT_EQ(receipt.error().message(), example.error);
   }
-  const auto good = decodeJsonText<V6WalkingReceipt>(
-      R"({"requestId":"r","writerEpoch":1,"deviceKeyId":"k","accepted":[{"day":3,"revision":2,"payloadHash":"ff"}]})");
-  ASSERT_TRUE(good.has_value());
-  EXPECT_EQ(good->accepted, (std::vector<V6WalkingReceipt::Accepted>{{3, 2, "ff"}}));
 }
 
 }  // namespace

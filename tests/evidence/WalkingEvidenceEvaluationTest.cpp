@@ -66,98 +66,77 @@ WalkingEvidenceEvaluation evaluate(const Rules& rules, const std::vector<DayRead
   return WalkingEvidenceEvaluation::evaluate(rules, windows, days, now);
 }
 
-struct EvaluationCase {
-  std::string name;
-  Rules rules;
-  std::vector<DayRead> reads;
-  UnixMillis now;
-  Verdict verdict;
-  double closedTotal;
-  int successfulDays;
-  std::vector<int> missing;
-  std::vector<int> provisional;
-  std::vector<int> upcoming;
-  std::optional<UnixMillis> reachedAt = {};
-  std::optional<int> reachedDay = {};
-};
-
-void PrintTo(const EvaluationCase& example, std::ostream* out) { *out << example.name; }
-
-class WalkingEvidenceEvaluationTest : public ::testing::TestWithParam<EvaluationCase> {};
-
-TEST_P(WalkingEvidenceEvaluationTest, JudgesOnClosedTotals) {
-  const EvaluationCase& example = GetParam();
-  const auto evaluation = evaluate(example.rules, example.reads, example.now);
-  EXPECT_EQ(evaluation.verdict, example.verdict) << enumName(evaluation.verdict);
-  EXPECT_EQ(evaluation.closedTotal, example.closedTotal);
-  EXPECT_EQ(evaluation.successfulDays, example.successfulDays);
-  EXPECT_EQ(evaluation.missingDays, example.missing);
-  EXPECT_EQ(evaluation.provisionalDays, example.provisional);
-  EXPECT_EQ(evaluation.upcomingDays, example.upcoming);
-  EXPECT_EQ(evaluation.reachedAt, example.reachedAt);
-  EXPECT_EQ(evaluation.reachedDay, example.reachedDay);
-  EXPECT_EQ(evaluation.evidenceClosesAt, inDay(3, 0) + 24 * kHour);
-}
-
-const UnixMillis kAfterEnd = inDay(3, 4);            // the last day is over, verification open
+const UnixMillis kAfterEnd = inDay(3, 4);                // the last day is over, verification open
 const UnixMillis kAfterClose = inDay(3, 0) + 25 * kHour;  // verification window closed
 const std::vector<std::pair<int, double>> k1000{{0, 400}, {1, 600}};
+constexpr auto kNoData = HealthEvidenceReadOutcome::noReadableData;
 
-INSTANTIATE_TEST_SUITE_P(
-    Evaluation, WalkingEvidenceEvaluationTest,
-    ::testing::Values(
-        EvaluationCase{"dailyEveryDayMet", kDaily, {{0, k1000}, {1, k1000}, {2, k1000}}, kAfterEnd, Verdict::met,
-                       3000, 3, {}, {}, {}},
-        EvaluationCase{"dailyWithoutRequiredDaysNeedsEveryDay",
-                       kDaily, {{0, k1000}, {1, k1000}, {2, {{0, 999}}}}, kAfterEnd, Verdict::failed, 2999, 2, {}, {},
-                       {}},
-        EvaluationCase{"dailyTwoOfThreeRequired",
-                       requiring(kDaily, 2), {{0, k1000}, {1, {{0, 500}}}, {2, k1000}}, kAfterEnd, Verdict::met, 2500, 2,
-                       {}, {}, {}},
-        EvaluationCase{"dailyMissingDayStaysOpenWhileVerifying",
-                       kDaily, {{0, k1000}, {1, k1000}, {2, {}, HealthEvidenceReadOutcome::noReadableData}}, kAfterEnd,
-                       Verdict::open, 2000, 2, {2}, {}, {}},
-        EvaluationCase{"dailyUnreadDayIsMissingNotZero", kDaily, {{0, k1000}, {1, k1000}}, kAfterEnd, Verdict::open,
-                       2000, 2, {2}, {}, {}},
-        EvaluationCase{"dailyMissingDayFailsOnceVerificationCloses",
-                       kDaily, {{0, k1000}, {1, k1000}, {2, {}, HealthEvidenceReadOutcome::noReadableData}}, kAfterClose,
-                       Verdict::failed, 2000, 2, {2}, {}, {}},
-        // Day 2 runs: 600 closed and 600 in the bucket still open; the open bucket does not meet the day.
-        EvaluationCase{"dailyProvisionalStepsDoNotMeetTheDay",
-                       kDaily, {{0, k1000}, {1, k1000}, {2, {{0, 600}, {1, 600}}}}, inDay(2, 1) + 1, Verdict::open, 2600,
-                       2, {}, {2}, {}},
-        EvaluationCase{"dailyFailsAsSoonAsADayIsLost", kDaily, {{0, {{0, 10}}}}, inDay(1, 3), Verdict::failed, 10, 0,
-                       {1, 2}, {}, {2}},
-        // Amounts are summed as read: 500.5 + 499.5 is 1000, not 999.
-        EvaluationCase{"dailyDecimalAmountsAreSummedBeforeRounding",
-                       requiring(kDaily, 1), {{0, {{0, 500.5}, {1, 499.5}}}}, inDay(0, 3), Verdict::met, 1000, 1,
-                       {1, 2}, {}, {1, 2}},
-        EvaluationCase{"totalMetBeforeTheEnd", kTotal, {{0, k1000}, {1, {{0, 1600}}}}, inDay(1, 2), Verdict::met, 2600,
-                       0, {2}, {}, {2}},
-        EvaluationCase{"totalOpenWithAMissingDay",
-                       kTotal, {{0, k1000}, {1, {}, HealthEvidenceReadOutcome::readFailed}, {2, k1000}}, kAfterEnd,
-                       Verdict::open, 2000, 0, {1}, {}, {}},
-        EvaluationCase{"firstToTargetReachedInTheSecondDay",
-                       kFirst, {{0, {{0, 1000}}}, {1, {{3, 300}, {5, 300}, {6, 900}}}}, inDay(1, 10), Verdict::met,
-                       2500, 1, {2}, {}, {2}, inDay(1, 6), 1},
-        EvaluationCase{"firstToTargetIgnoresTheOpenBucket",
-                       kFirst, {{0, {{0, 1000}}}, {1, {{3, 300}, {5, 300}}}}, inDay(1, 5) + 1, Verdict::open, 1300, 0,
-                       {2}, {1}, {2}},
-        EvaluationCase{"firstToTargetSkipsADayWithoutData",
-                       kFirst, {{0, {}, HealthEvidenceReadOutcome::noReadableData}, {1, {{2, 1500}}}}, inDay(2, 1),
-                       Verdict::met, 1500, 1, {0, 2}, {}, {}, inDay(1, 3), 1},
-        EvaluationCase{"firstToTargetNeverReached", kFirst, {{0, k1000}, {1, {{0, 100}}}, {2, {{0, 100}}}},
-                       kAfterClose, Verdict::failed, 1200, 0, {}, {}, {}},
-        EvaluationCase{"highestTotalReachesMinimum",
-                       withMinimum(kHighest, 2000), {{0, k1000}, {1, k1000}}, inDay(2, 1), Verdict::met, 2000, 0, {2},
-                       {}, {}},
-        EvaluationCase{"highestTotalBelowMinimumAtTheEnd",
-                       withMinimum(kHighest, 2000), {{0, k1000}, {1, {{0, 10}}}, {2, {{0, 10}}}}, kAfterClose,
-                       Verdict::failed, 1020, 0, {}, {}, {}},
-        EvaluationCase{"highestTotalWithoutMinimumRanksEveryoneAtTheEnd",
-                       kHighest, {{0, {{0, 10}}}, {1, {{0, 10}}}, {2, {{0, 10}}}}, kAfterEnd, Verdict::met, 30, 0, {},
-                       {}, {}}),
-    [](const auto& info) { return info.param.name; });
+TEST(WalkingEvidenceEvaluation, JudgesOnClosedTotals) {
+  struct Case {
+    std::string name;
+    Rules rules;
+    std::vector<DayRead> reads;
+    UnixMillis now;
+    Verdict verdict;
+    double closedTotal;
+    int successfulDays;
+    std::vector<int> missing, provisional, upcoming;
+    std::optional<UnixMillis> reachedAt = {};
+    std::optional<int> reachedDay = {};
+  };
+  const std::vector<Case> cases{
+      {"dailyEveryDayMet", kDaily, {{0, k1000}, {1, k1000}, {2, k1000}}, kAfterEnd, Verdict::met, 3000, 3, {}, {}, {}},
+      {"dailyNeedsEveryDayByDefault", kDaily, {{0, k1000}, {1, k1000}, {2, {{0, 999}}}}, kAfterEnd, Verdict::failed,
+       2999, 2, {}, {}, {}},
+      {"dailyTwoOfThreeRequired", requiring(kDaily, 2), {{0, k1000}, {1, {{0, 500}}}, {2, k1000}}, kAfterEnd,
+       Verdict::met, 2500, 2, {}, {}, {}},
+      {"dailyMissingDayStaysOpenWhileVerifying", kDaily, {{0, k1000}, {1, k1000}, {2, {}, kNoData}}, kAfterEnd,
+       Verdict::open, 2000, 2, {2}, {}, {}},
+      {"dailyUnreadDayIsMissingNotZero", kDaily, {{0, k1000}, {1, k1000}}, kAfterEnd, Verdict::open, 2000, 2, {2}, {},
+       {}},
+      {"dailyMissingDayFailsOnceVerificationCloses", kDaily, {{0, k1000}, {1, k1000}, {2, {}, kNoData}}, kAfterClose,
+       Verdict::failed, 2000, 2, {2}, {}, {}},
+      // Day 2 runs: 600 closed and 600 in the bucket still open; the open bucket does not meet the day.
+      {"dailyProvisionalStepsDoNotMeetTheDay", kDaily, {{0, k1000}, {1, k1000}, {2, {{0, 600}, {1, 600}}}},
+       inDay(2, 1) + 1, Verdict::open, 2600, 2, {}, {2}, {}},
+      // Every day without a usable value is missing, the days still to come among them.
+      {"dailyFailsAsSoonAsADayIsLost", kDaily, {{0, {{0, 10}}}}, inDay(1, 3), Verdict::failed, 10, 0, {1, 2}, {}, {2}},
+      // Amounts are summed as read: 500.5 + 499.5 is 1000, not 999.
+      {"dailyDecimalAmountsAreSummedBeforeRounding", requiring(kDaily, 1), {{0, {{0, 500.5}, {1, 499.5}}}},
+       inDay(0, 3), Verdict::met, 1000, 1, {1, 2}, {}, {1, 2}},
+      {"totalMetBeforeTheEnd", kTotal, {{0, k1000}, {1, {{0, 1600}}}}, inDay(1, 2), Verdict::met, 2600, 0, {2}, {},
+       {2}},
+      {"totalOpenWithAFailedRead", kTotal, {{0, k1000}, {1, {}, HealthEvidenceReadOutcome::readFailed}, {2, k1000}},
+       kAfterEnd, Verdict::open, 2000, 0, {1}, {}, {}},
+      {"firstToTargetReachedInTheSecondDay", kFirst, {{0, {{0, 1000}}}, {1, {{3, 300}, {5, 300}, {6, 900}}}},
+       inDay(1, 10), Verdict::met, 2500, 1, {2}, {}, {2}, inDay(1, 6), 1},
+      {"firstToTargetIgnoresTheOpenBucket", kFirst, {{0, {{0, 1000}}}, {1, {{3, 300}, {5, 300}}}}, inDay(1, 5) + 1,
+       Verdict::open, 1300, 0, {2}, {1}, {2}},
+      {"firstToTargetSkipsADayWithoutData", kFirst, {{0, {}, kNoData}, {1, {{2, 1500}}}}, inDay(2, 1), Verdict::met,
+       1500, 1, {0, 2}, {}, {}, inDay(1, 3), 1},
+      {"firstToTargetNeverReached", kFirst, {{0, k1000}, {1, {{0, 100}}}, {2, {{0, 100}}}}, kAfterClose,
+       Verdict::failed, 1200, 0, {}, {}, {}},
+      {"highestTotalReachesMinimum", withMinimum(kHighest, 2000), {{0, k1000}, {1, k1000}}, inDay(2, 1), Verdict::met,
+       2000, 0, {2}, {}, {}},
+      {"highestTotalBelowMinimumAtTheEnd", withMinimum(kHighest, 2000), {{0, k1000}, {1, {{0, 10}}}, {2, {{0, 10}}}},
+       kAfterClose, Verdict::failed, 1020, 0, {}, {}, {}},
+      {"highestTotalWithoutMinimumRanksEveryoneAtTheEnd", kHighest, {{0, {{0, 10}}}, {1, {{0, 10}}}, {2, {{0, 10}}}},
+       kAfterEnd, Verdict::met, 30, 0, {}, {}, {}},
+  };
+  for (const Case& example : cases) {
+    SCOPED_TRACE(example.name);
+    const auto evaluation = evaluate(example.rules, example.reads, example.now);
+    EXPECT_EQ(evaluation.verdict, example.verdict) << enumName(evaluation.verdict);
+    EXPECT_EQ(evaluation.closedTotal, example.closedTotal);
+    EXPECT_EQ(evaluation.successfulDays, example.successfulDays);
+    EXPECT_EQ(evaluation.missingDays, example.missing);
+    EXPECT_EQ(evaluation.provisionalDays, example.provisional);
+    EXPECT_EQ(evaluation.upcomingDays, example.upcoming);
+    EXPECT_EQ(evaluation.reachedAt, example.reachedAt);
+    EXPECT_EQ(evaluation.reachedDay, example.reachedDay);
+    EXPECT_EQ(evaluation.evidenceClosesAt, inDay(3, 0) + 24 * kHour);
+  }
+}
 
 TEST(WalkingRaceRanking, OrdersMembersAndSharesTies) {
   auto reached = [](std::optional<UnixMillis> at) {

@@ -19,13 +19,7 @@ using Visibility = WalkingEvidenceUploadVisibility;
 
 TEST(WalkingEvidenceSchedule, PlacesTheKoviInItsLaneAndShowsTheUpload) {
   const WalkingEvidenceSchedule schedule{1000 * kHour, 1072 * kHour, 1096 * kHour};
-  struct Case {
-    std::string name;
-    UnixMillis now;
-    Lane lane;
-    Visibility withoutMissing;
-    Visibility withMissing;
-  };
+  struct Case { std::string name; UnixMillis now; Lane lane; Visibility withoutMissing; Visibility withMissing; };
   const std::vector<Case> cases{
       {"beforeTheStart", 999 * kHour, Lane::pending, Visibility::hidden, Visibility::hidden},
       {"firstDay", 1000 * kHour, Lane::open, Visibility::standard, Visibility::standard},
@@ -46,11 +40,7 @@ TEST(WalkingEvidenceSchedule, PlacesTheKoviInItsLaneAndShowsTheUpload) {
 
 TEST(WalkingEvidenceBackoff, DoublesTransientWaitsAndWaitsFixedTimesForTheRest) {
   using Failure = WalkingEvidenceFailure;
-  struct Step {
-    Failure failure;
-    int failures;
-    UnixMillis wait;
-  };
+  struct Step { Failure failure; int failures; UnixMillis wait; };
   // One sequence of failures from a clean state, each at `now`.
   const std::vector<Step> steps{
       {Failure::transient, 1, 1 * kMinute},       {Failure::transient, 2, 2 * kMinute},
@@ -133,11 +123,7 @@ TEST_F(WalkingProgressSummaryTest, ShowsTodaysStepsForADailyGoalAndTheSumOtherwi
 
 TEST_F(WalkingProgressSummaryTest, StoredProgressOfAnEarlierDayNeedsARefresh) {
   const UnixMillis now = at("2026-05-06T10:00:00+03:00");
-  struct Case {
-    std::string name;
-    WalkingProgressSummary::Stored stored;
-    bool refresh;
-  };
+  struct Case { std::string name; WalkingProgressSummary::Stored stored; bool refresh; };
   for (const Case& example : {
            Case{"storedThisMorning", {at("2026-05-06T08:00:00+03:00"), at("2026-05-07T00:00:00+03:00")}, false},
            Case{"storedYesterday", {at("2026-05-05T22:00:00+03:00"), at("2026-05-06T00:00:00+03:00")}, true},

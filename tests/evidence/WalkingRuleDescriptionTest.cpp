@@ -1,26 +1,33 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "KoviKit/evidence/WalkingRuleDescription.h"
-#include "WalkingTestSupport.h"
+#include "KoviKit/foundation/Json.h"
 
 namespace kovi {
 namespace {
-
-using Rules = WalkingKoviRules;
 
 const std::string kSource = "Apple Sağlık’taki adımlara göre değerlendirilir.";
 const std::string kResults = "Sonuçlar, bu kovi için kabul edilen Apple Sağlık kayıtlarıyla hesaplanır.";
 const std::string kEqual = "Hedefi tutturanlar ödül havuzunu eşit paylaşır.";
 
+// A 7-day anchored daily goal of 10000 steps with `patch` merged in (null drops a key).
+WalkingKoviRules rulesWith(std::string_view patch) {
+  nlohmann::json document = nlohmann::json::parse(
+      R"({"mode":"goal","goalMode":"daily","durationDays":7,"stepTarget":10000,"exitPenaltyBps":0,)"
+      R"("payoutRule":"equalSuccessful","rankPayoutsBps":[],"verificationWindowHours":24})");
+  document.merge_patch(nlohmann::json::parse(patch));
+  const auto rules = JsonView(document).as<WalkingKoviRules>();
+  EXPECT_TRUE(rules.has_value()) << patch;
+  return rules.value_or(WalkingKoviRules{});
+}
+
 // Two whole descriptions: the default anchored daily goal and a calendar total goal.
 TEST(WalkingRuleDescription, DescribesTheRulesInTurkish) {
-  Rules daily = testing::dailyGoal(7, 10000);
-  const auto dailyText = WalkingRuleDescription::describe(daily, "tr");
+  const auto dailyText = WalkingRuleDescription::describe(rulesWith("{}"), "tr");
   EXPECT_EQ(dailyText.title, "Her gün hedefi tamamla (10.000 adım)");
   EXPECT_EQ(dailyText.lines,
             (std::vector<std::string>{
@@ -31,14 +38,10 @@ TEST(WalkingRuleDescription, DescribesTheRulesInTurkish) {
                 "sayılır.",
                 kEqual, "Kovi başladıktan sonra ayrılmanın cezası yok."}));
 
-  Rules total = daily;
-  total.goalMode = Rules::GoalMode::total;
-  total.stepTarget = 1250000;
-  total.failurePolicy = Rules::FailurePolicy::closestWins;
-  total.exitPenaltyBps = 10000;
-  total.dayBoundary = WalkingDayBoundary::calendar;
-  total.verificationWindowHours = 48;
-  const auto totalText = WalkingRuleDescription::describe(total, "tr");
+  const auto totalText = WalkingRuleDescription::describe(
+      rulesWith(R"({"goalMode":"total","stepTarget":1250000,"failurePolicy":"closestWins","exitPenaltyBps":10000,)"
+                R"("dayBoundary":"calendar","verificationWindowHours":48})"),
+      "tr");
   EXPECT_EQ(totalText.title, "Kovi boyunca toplam 1.250.000 adım");
   EXPECT_EQ(totalText.lines,
             (std::vector<std::string>{
@@ -53,63 +56,34 @@ TEST(WalkingRuleDescription, DescribesTheRulesInTurkish) {
 // Other rule shapes: the title and the lines that set them apart.
 TEST(WalkingRuleDescription, NamesEachModeAndItsDistinctLine) {
   struct Case {
-    std::string name;
-    std::function<void(Rules&)> edit;  // applied to a 7-day daily goal of 10000 steps
+    std::string_view patch;
     std::string title;
     std::vector<std::string> lines;
   };
-  auto race = [](Rules& r, Rules::RaceMode mode) {
-    r.mode = Rules::Mode::race;
-    r.goalMode.reset();
-    r.raceMode = mode;
-  };
   const std::vector<Case> cases{
-      {"dailyFiveOfSevenAtMidnight",
-       [](Rules& r) {
-         r.requiredSuccessfulDays = 5;
-         r.dayBoundary = WalkingDayBoundary::calendar;
-         r.firstDay = Rules::FirstDay::midnight;
-       },
+      {R"({"requiredSuccessfulDays":5,"dayBoundary":"calendar","firstDay":"midnight"})",
        "Her gün hedefi tamamla (10.000 adım)",
        {"7 günlük kovi’te hedefi en az 5 gün tamamlaman gerekiyor.",
         "Adımlar kovi’in başlangıcından sonraki ilk gece yarısından itibaren sayılır."}},
-      {"firstToTargetRanked",
-       [&](Rules& r) {
-         race(r, Rules::RaceMode::firstToTarget);
-         r.stepTarget = 100000;
-         r.payoutRule = Rules::PayoutRule::ranked;
-         r.rankPayoutsBps = {6000, 3000, 1000};
-         r.failurePolicy = Rules::FailurePolicy::rollover;
-       },
+      {R"({"mode":"race","goalMode":null,"raceMode":"firstToTarget","stepTarget":100000,"payoutRule":"ranked",)"
+       R"("rankPayoutsBps":[6000,3000,1000],"failurePolicy":"rollover"})",
        "100.000 adıma ilk ulaşan kazanır",
        {"Apple Sağlık kayıt saatine göre hedefe ilk ulaşan kazanır.",
         "Ödül sıralamaya göre paylaşılır: 1. %60, 2. %30, 3. %10.",
         "Kimse yarışı tamamlayamazsa havuz sonraki kovi için bekletilecek. Aktarım için aynı grubun yeni koşulları "
         "onaylaması gerekir."}},
-      {"highestTotalWithMinimum",
-       [&](Rules& r) {
-         race(r, Rules::RaceMode::highestTotal);
-         r.stepTarget.reset();
-         r.minimumEligibility = 50000;
-         r.failurePolicy = Rules::FailurePolicy::closestWins;
-       },
+      {R"({"mode":"race","goalMode":null,"raceMode":"highestTotal","stepTarget":null,"minimumEligibility":50000,)"
+       R"("failurePolicy":"closestWins"})",
        "7 günde en çok adım",
        {"Sıralamaya girmek için en az 50.000 adım gerekiyor.",
         "Kimse en az adım şartını sağlayamazsa en çok adım atan kazanacak; beraberlikte paylaşılacak."}},
-      {"highestTotalWithoutMinimum",
-       [&](Rules& r) {
-         race(r, Rules::RaceMode::highestTotal);
-         r.durationDays = 30;
-         r.failurePolicy = Rules::FailurePolicy::refund;
-       },
+      {R"({"mode":"race","goalMode":null,"raceMode":"highestTotal","durationDays":30,"failurePolicy":"refund"})",
        "30 günde en çok adım",
        {"Süre bitince en çok adım atan kazanır.", "En çok adım atan kazanacak; beraberlikte paylaşılacak."}},
   };
   for (const Case& example : cases) {
-    SCOPED_TRACE(example.name);
-    Rules rules = testing::dailyGoal(7, 10000);
-    example.edit(rules);
-    const auto description = WalkingRuleDescription::describe(rules, "tr");
+    SCOPED_TRACE(example.patch);
+    const auto description = WalkingRuleDescription::describe(rulesWith(example.patch), "tr");
     EXPECT_EQ(description.title, example.title);
     for (const std::string& line : example.lines) {
       EXPECT_NE(std::ranges::find(description.lines, line), description.lines.end()) << line;
@@ -118,19 +92,14 @@ TEST(WalkingRuleDescription, NamesEachModeAndItsDistinctLine) {
 }
 
 TEST(WalkingRuleDescription, WritesAnOddExitPenaltyInTheChosenLocale) {
-  struct Case {
-    std::string locale;
-    int basisPoints;
-    std::string percentage;
-  };
-  for (const Case& example :
-       {Case{"tr", 1250, "%12,5"}, Case{"en", 1250, "12.5%"}, Case{"de", 333, "3,33\u00A0%"}}) {
-    SCOPED_TRACE(example.locale + " " + std::to_string(example.basisPoints));
-    Rules rules = testing::dailyGoal(7, 10000);
-    rules.exitPenaltyBps = example.basisPoints;
-    const auto lines = WalkingRuleDescription::describe(rules, example.locale).lines;
-    EXPECT_EQ(lines.back(), "Kovi başladıktan sonra ayrılırsan katkının " + example.percentage +
-                                " kadarı ödül havuzunda kalacak.");
+  for (const auto& [locale, basisPoints, percentage] :
+       {std::tuple{"tr", 1250, "%12,5"}, std::tuple{"en", 1250, "12.5%"}, std::tuple{"de", 333, "3,33\u00A0%"}}) {
+    SCOPED_TRACE(locale);
+    const auto lines =
+        WalkingRuleDescription::describe(rulesWith(R"({"exitPenaltyBps":)" + std::to_string(basisPoints) + "}"), locale)
+            .lines;
+    EXPECT_EQ(lines.back(),
+              std::string("Kovi başladıktan sonra ayrılırsan katkının ") + percentage + " kadarı ödül havuzunda kalacak.");
   }
 }
 

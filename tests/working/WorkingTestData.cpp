@@ -31,6 +31,18 @@ std::expected<WorkingRules, WorkingRulesDecodeError> decodeEdited(std::string_vi
   return decodeWorkingRules(rules.dump());
 }
 
+RulesEdit setting(nlohmann::json values) {
+  return [values = std::move(values)](nlohmann::json& rules) {
+    for (const auto& [pointer, value] : values.items()) rules[nlohmann::json::json_pointer(pointer)] = value;
+  };
+}
+
+WorkingRules workingRules(std::string_view name, const nlohmann::json& values) {
+  nlohmann::json rules = workingRulesJson(name);
+  setting(values)(rules);
+  return decodedRules(rules);
+}
+
 std::int64_t istanbulTime(int day, int hour, int minute) {
   constexpr std::int64_t kFirstDayStart = 1772398800000;  // 2026-03-02 00:00 +03:00
   return kFirstDayStart + static_cast<std::int64_t>(day) * 86'400'000 + static_cast<std::int64_t>(hour) * 3'600'000 +

@@ -30,6 +30,13 @@ using RulesEdit = std::function<void(nlohmann::json&)>;
 // `edit` applied to the rule set in `name`, then decoded from its text.
 std::expected<WorkingRules, WorkingRulesDecodeError> decodeEdited(std::string_view name, const RulesEdit& edit);
 
+// An edit that sets each JSON pointer key of `values` to its value, e.g.
+// setting({{"/goal/kind", "sprint"}, {"/calendar/days/0/start", 5}}).
+RulesEdit setting(nlohmann::json values);
+// The rule set in `name` with `values` set as by `setting`; fails the running
+// test when the result does not decode.
+WorkingRules workingRules(std::string_view name, const nlohmann::json& values);
+
 // Istanbul (UTC+3, no daylight saving) instants of the daily, race and
 // first-to-target rule sets: `day` counts from the first kovi day.
 std::int64_t istanbulTime(int day, int hour, int minute = 0);
