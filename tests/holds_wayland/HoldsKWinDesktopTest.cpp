@@ -108,13 +108,5 @@ TEST_F(HoldsKWinTest, ProgramWithoutItsDesktopFileIsRefusedTheWindowListAndSaysS
   EXPECT_TRUE(logShows("XWayland")) << agentLog();
 }
 
-TEST_F(HoldsKWinTest, AgentExitsWithZeroWhenTheSnapshotGoes) {
-  auto agent = startAgent(HoldNow::sleep);
-  auto discord = startApp("discord");
-  ASSERT_TRUE(logShows("— hid Discord")) << agentLog();
-  std::filesystem::remove(scratch.path() / "data" / "Kovi" / "Holds" / "holds.json");
-  EXPECT_EQ(agent.waitForExit(std::chrono::milliseconds(7000)), 0) << agentLog();
-}
-
 }  // namespace
 }  // namespace kovi::holds::wayland
