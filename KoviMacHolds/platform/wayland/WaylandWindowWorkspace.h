@@ -49,8 +49,8 @@ class WaylandWindowWorkspace : public MacWorkspace {
   void removeObserver(MacObserverToken token) override { observers_.remove(token); }
 
  protected:
-  // A window as the compositor last confirmed it; `handle` is the protocol's
-  // object for it.
+  // A window as the compositor last confirmed it. Windows are told apart by
+  // `handle`, the protocol's object for each.
   struct WindowState {
     std::string appId;
     bool activated = false;
