@@ -67,7 +67,11 @@ void printClosingReport(const ClosingReport& report) {
   const double plainP95 = percentile(report.plain, 0.95);
   std::printf("activation to hidden%s: p50 %.2f ms, p95 %.2f ms over %zu activations (target p95 < 50 ms)\n",
               report.desktop, heldP50, heldP95, report.held.size());
-  std::printf("ratio: held activation p95 / plain activation p95 = %.1fx (%.2f ms)\n", heldP95 / plainP95, plainP95);
+  if (report.plain.empty() || plainP95 <= 0) {
+    std::printf("ratio: no plain activation was measured, so there is no baseline\n");
+  } else {
+    std::printf("ratio: held activation p95 / plain activation p95 = %.1fx (%.2f ms)\n", heldP95 / plainP95, plainP95);
+  }
   reportIdleCpu(report.agent, report.baseline, report.baselineName, report.idleSeconds);
   reportMemory(report.agent, report.baseline, report.baselineName, report.shieldShown());
 }
