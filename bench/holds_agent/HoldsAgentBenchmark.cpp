@@ -217,26 +217,22 @@ int main(int argc, char** argv) {
   gStage = &stage;
   benchmark::RunSpecifiedBenchmarks();
 
-  const double heldP50 = percentile(gHeld, 0.5), heldP95 = percentile(gHeld, 0.95);
-  const double plainP95 = percentile(gPlain, 0.95);
-  std::printf("activation to hidden: p50 %.2f ms, p95 %.2f ms over %zu activations (target p95 < 50 ms)\n", heldP50,
-              heldP95, gHeld.size());
   std::printf("shown to hidden (the agent's reaction and the iconify): p50 %.2f ms, p95 %.2f ms\n",
               percentile(gShownHidden, 0.5), percentile(gShownHidden, 0.95));
-  std::printf("ratio: held activation p95 / plain activation p95 = %.1fx (%.2f ms)\n", heldP95 / plainP95, plainP95);
-
   // The held window once more, so the shield is up; then the agent only waits.
   stage.desktop->activate(stage.discordWindow);
-  stage.desktop->waitUntilSettled(
-      [&] {
-        const auto shields = stage.desktop->clientsOfClass("KoviHolds");
-        return !shields.empty() && stage.desktop->isViewable(shields.front());
-      },
-      kSettle);
-  const pid_t agent = stage.agent->pid(), standIn = stage.discord->pid();
-  reportIdleCpu(agent, standIn, "idle Xlib client", idleSeconds);
-  const auto shields = stage.desktop->clientsOfClass("KoviHolds");
-  reportMemory(agent, standIn, "idle Xlib client", !shields.empty() && stage.desktop->isViewable(shields.front()));
+  auto shieldShown = [&] {
+    const auto shields = stage.desktop->clientsOfClass("KoviHolds");
+    return !shields.empty() && stage.desktop->isViewable(shields.front());
+  };
+  stage.desktop->waitUntilSettled(shieldShown, kSettle);
+  printClosingReport({.held = gHeld,
+                      .plain = gPlain,
+                      .agent = stage.agent->pid(),
+                      .baseline = stage.discord->pid(),
+                      .baselineName = "idle Xlib client",
+                      .idleSeconds = idleSeconds,
+                      .shieldShown = shieldShown});
 
   stage.agent.reset();
   stage.discord.reset();

@@ -36,6 +36,8 @@ double residentMB(pid_t pid) {
   return 0;
 }
 
+namespace {
+
 void reportIdleCpu(pid_t agent, pid_t baseline, const char* baselineName, int idleSeconds) {
   const double agentBefore = cpuSeconds(agent), baselineBefore = cpuSeconds(baseline);
   std::this_thread::sleep_for(std::chrono::seconds(idleSeconds));
@@ -56,6 +58,22 @@ void reportMemory(pid_t agent, pid_t baseline, const char* baselineName, bool sh
   std::printf("resident memory with the shield %s: agent %.1f MB (target < 25 MB), %s %.1f MB\n",
               shieldShown ? "shown" : "NOT shown", agentMB, baselineName, baselineMB);
   std::printf("ratio: agent RSS / %s RSS = %.1fx\n", baselineName, agentMB / baselineMB);
+}
+
+}  // namespace
+
+void printClosingReport(const ClosingReport& report) {
+  const double heldP50 = percentile(report.held, 0.5), heldP95 = percentile(report.held, 0.95);
+  const double plainP95 = percentile(report.plain, 0.95);
+  std::printf("activation to hidden%s: p50 %.2f ms, p95 %.2f ms over %zu activations (target p95 < 50 ms)\n",
+              report.desktop, heldP50, heldP95, report.held.size());
+  if (report.plain.empty() || plainP95 <= 0) {
+    std::printf("ratio: no plain activation was measured, so there is no baseline\n");
+  } else {
+    std::printf("ratio: held activation p95 / plain activation p95 = %.1fx (%.2f ms)\n", heldP95 / plainP95, plainP95);
+  }
+  reportIdleCpu(report.agent, report.baseline, report.baselineName, report.idleSeconds);
+  reportMemory(report.agent, report.baseline, report.baselineName, report.shieldShown());
 }
 
 int takeIdleSeconds(int argc, char** argv, std::vector<char*>& rest) {

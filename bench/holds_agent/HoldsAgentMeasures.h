@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <vector>
 
 // What the agent benchmarks on X11 and on Wayland measure the same way.
@@ -17,12 +18,26 @@ double cpuSeconds(pid_t pid);
 // Resident set size in MB, from /proc/PID/status.
 double residentMB(pid_t pid);
 
-// Watches the agent and a baseline process for `idleSeconds` and prints the
-// agent's share of a core, the baseline's and their ratio.
-void reportIdleCpu(pid_t agent, pid_t baseline, const char* baselineName, int idleSeconds);
+// What the closing report of an agent benchmark is made of.
+struct ClosingReport {
+  const char* desktop = "";  // where it ran, " on sway", or nothing
+  // Activation to hidden of the held window, and the plain activations of
+  // the baseline, in milliseconds.
+  std::vector<double> held;
+  std::vector<double> plain;
+  pid_t agent = 0;
+  pid_t baseline = 0;  // an idle client of the same desktop
+  const char* baselineName = "";
+  int idleSeconds = 60;
+  // Asked after the idle watch, for the memory line.
+  std::function<bool()> shieldShown;
+};
 
-// Prints the agent's resident memory, the baseline's and their ratio.
-void reportMemory(pid_t agent, pid_t baseline, const char* baselineName, bool shieldShown);
+// Prints the held activations' percentiles and their ratio to the plain
+// ones, then, with the shield up, watches the agent and the baseline for
+// the idle seconds and prints their shares of a core and their resident
+// memory, each with its ratio.
+void printClosingReport(const ClosingReport& report);
 
 // Takes "--idle-seconds N" (default 60, at least 1) out of the arguments,
 // leaving the rest for Google Benchmark; exits with a usage message on a

@@ -185,21 +185,20 @@ int main(int argc, char** argv) {
   setUp(stage);
   benchmark::RunSpecifiedBenchmarks();
 
-  const double heldP50 = percentile(gHeld, 0.5), heldP95 = percentile(gHeld, 0.95);
-  const double plainP95 = percentile(gPlain, 0.95);
-  std::printf("activation to hidden on sway: p50 %.2f ms, p95 %.2f ms over %zu activations (target p95 < 50 ms)\n",
-              heldP50, heldP95, gHeld.size());
-  std::printf("ratio: held activation p95 / plain activation p95 = %.1fx (%.2f ms)\n", heldP95 / plainP95, plainP95);
-
   // The held window once more, so the shield is up; then the agent only waits.
   stage.sway->command("[app_id=\"code\"] focus");
   std::this_thread::sleep_for(std::chrono::milliseconds(100));
   stage.sway->command("[app_id=\"discord\"] scratchpad show");
   waitFor([] { return hidden("discord"); });
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
-  const pid_t agent = stage.agent->pid(), standIn = stage.discord->pid();
-  reportIdleCpu(agent, standIn, "idle foot", idleSeconds);
-  reportMemory(agent, standIn, "idle foot", shieldShown());
+  printClosingReport({.desktop = " on sway",
+                      .held = gHeld,
+                      .plain = gPlain,
+                      .agent = stage.agent->pid(),
+                      .baseline = stage.discord->pid(),
+                      .baselineName = "idle foot",
+                      .idleSeconds = idleSeconds,
+                      .shieldShown = shieldShown});
 
   stage.agent.reset();
   stage.discord.reset();

@@ -21,11 +21,17 @@ LinuxDesktopChoice chooseLinuxDesktop(const LinuxSessionProbe& probe) {
             "could not connect to the Wayland display; only XWayland applications can be held"};
   }
   const auto& globals = probe.waylandGlobals;
-  if (globals.contains(kForeignToplevel) && globals.contains(kLayerShell)) return {LinuxDesktopBackend::wlroots, {}};
-  if (globals.contains(kPlasmaWindows) || names(probe.currentDesktop, "KDE")) {
+  const bool layerShell = globals.contains(kLayerShell);
+  if (globals.contains(kForeignToplevel) && layerShell) return {LinuxDesktopBackend::wlroots, {}};
+  const bool plasmaWindows = globals.contains(kPlasmaWindows);
+  if (plasmaWindows && layerShell) return {LinuxDesktopBackend::plasma, {}};
+  if (names(probe.currentDesktop, "KDE") && !plasmaWindows) {
+    // KWin hides the window list from programs it does not know.
     return {LinuxDesktopBackend::x11,
-            "on KDE Plasma this agent follows only XWayland applications: native Wayland windows are not "
-            "held yet"};
+            std::string("KWin did not grant ") + kPlasmaWindows +
+                " (it does only to a program whose installed .desktop file names it in X-KDE-Wayland-Interfaces "
+                "and whose Exec= is this program's absolute path, as the kovi-holds package installs it), so this "
+                "agent can only hold XWayland applications"};
   }
   if (names(probe.currentDesktop, "GNOME")) {
     return {LinuxDesktopBackend::x11,
@@ -34,7 +40,7 @@ LinuxDesktopChoice chooseLinuxDesktop(const LinuxSessionProbe& probe) {
   }
   return {LinuxDesktopBackend::x11,
           std::string("this Wayland compositor does not offer ") +
-              (globals.contains(kForeignToplevel) ? kLayerShell : kForeignToplevel) +
+              (globals.contains(kForeignToplevel) || plasmaWindows ? kLayerShell : kForeignToplevel) +
               ", so this agent can only hold XWayland applications"};
 }
 

@@ -17,7 +17,7 @@ struct LinuxSessionProbe {
   std::string currentDesktop;
 };
 
-enum class LinuxDesktopBackend { wlroots, x11 };
+enum class LinuxDesktopBackend { wlroots, plasma, x11 };
 
 struct LinuxDesktopChoice {
   LinuxDesktopBackend backend = LinuxDesktopBackend::x11;
@@ -27,10 +27,11 @@ struct LinuxDesktopChoice {
   bool operator==(const LinuxDesktopChoice&) const = default;
 };
 
-// The Wayland backend runs where the compositor offers both window
-// management (zwlr_foreign_toplevel_manager_v1) and layer shell; everywhere
-// else the agent runs on X11, which on a Wayland desktop reaches only the
-// XWayland applications, and says so.
+// The Wayland backend runs where the compositor offers layer shell and a
+// window list: zwlr_foreign_toplevel_manager_v1 (wlroots compositors), else
+// org_kde_plasma_window_management (KWin, to a program whose installed
+// .desktop file asks for it). Everywhere else the agent runs on X11, which on
+// a Wayland desktop reaches only the XWayland applications, and says so.
 LinuxDesktopChoice chooseLinuxDesktop(const LinuxSessionProbe& probe);
 
 }  // namespace kovi::holds::desktop

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "KoviKit/foundation/CheckedArithmetic.h"
+#include "KoviMacHolds/platform/wayland/ShieldBufferScale.h"
 
 namespace kovi::holds::wayland {
 
@@ -97,6 +98,28 @@ const wl_keyboard_listener kKeyboardListener = {
     .repeat_info = handleRepeatInfo,
 };
 
+void handleOutputGeometry(void*, wl_output*, std::int32_t, std::int32_t, std::int32_t, std::int32_t, std::int32_t,
+                          const char*, const char*, std::int32_t) {}
+void handleOutputMode(void*, wl_output*, std::uint32_t, std::int32_t, std::int32_t, std::int32_t) {}
+void handleOutputDone(void*, wl_output*) {}
+void handleOutputScale(void* data, wl_output* output, std::int32_t scale) { panelOf(data).outputScaled(output, scale); }
+void handleOutputText(void*, wl_output*, const char*) {}
+const wl_output_listener kOutputListener = {
+    .geometry = handleOutputGeometry,
+    .mode = handleOutputMode,
+    .done = handleOutputDone,
+    .scale = handleOutputScale,
+    .name = handleOutputText,
+    .description = handleOutputText,
+};
+
+void handleSurfaceEnter(void* data, wl_surface*, wl_output* output) { panelOf(data).surfaceEntered(output); }
+void handleSurfaceLeave(void* data, wl_surface*, wl_output* output) { panelOf(data).surfaceLeft(output); }
+const wl_surface_listener kSurfaceListener = {.enter = handleSurfaceEnter, .leave = handleSurfaceLeave};
+
+// The first version of wl_output that tells its scale.
+constexpr std::uint32_t kOutputScaleVersion = WL_OUTPUT_SCALE_SINCE_VERSION;
+
 int pixels(double points) { return static_cast<int>(std::ceil(points)); }
 
 }  // namespace
@@ -109,6 +132,10 @@ LayerShellShieldPanel::LayerShellShieldPanel(WaylandDisplay& display, WaylandRun
   layerShell_ = display_.bind<zwlr_layer_shell_v1>(zwlr_layer_shell_v1_interface, 4);
   seat_ = display_.bind<wl_seat>(wl_seat_interface, 5);
   if (seat_ != nullptr) wl_seat_add_listener(seat_, &kSeatListener, this);
+  for (wl_output* output : display_.bindAll<wl_output>(wl_output_interface, kOutputScaleVersion)) {
+    outputScales_.emplace(output, 1);
+    wl_output_add_listener(output, &kOutputListener, this);
+  }
   std::weak_ptr<bool> alive = alive_;
   runLoop.addIdleHandler([this, alive] {
     if (!alive.expired()) runQueuedAction();
@@ -122,6 +149,7 @@ LayerShellShieldPanel::~LayerShellShieldPanel() {
   if (pointer_ != nullptr) wl_pointer_destroy(pointer_);
   if (keyboard_ != nullptr) wl_keyboard_destroy(keyboard_);
   if (seat_ != nullptr) wl_seat_destroy(seat_);
+  for (const auto& [output, scale] : outputScales_) wl_output_destroy(output);
   if (layerShell_ != nullptr) zwlr_layer_shell_v1_destroy(layerShell_);
   if (shm_ != nullptr) wl_shm_destroy(shm_);
   if (compositor_ != nullptr) wl_compositor_destroy(compositor_);
@@ -142,6 +170,9 @@ void LayerShellShieldPanel::setContent(MacHoldsShieldView view) {
 void LayerShellShieldPanel::bringForward() {
   if (visible_ || compositor_ == nullptr || layerShell_ == nullptr || shm_ == nullptr) return;
   surface_ = wl_compositor_create_surface(compositor_);
+  wl_surface_add_listener(surface_, &kSurfaceListener, this);
+  surfaceOutputs_.clear();
+  updateScale();
   layerSurface_ = zwlr_layer_shell_v1_get_layer_surface(layerShell_, surface_, nullptr,
                                                         ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, kNamespace);
   zwlr_layer_surface_v1_add_listener(layerSurface_, &kLayerSurfaceListener, this);
@@ -236,21 +267,58 @@ LayerShellShieldPanel::Buffer* LayerShellShieldPanel::freeBuffer(int width, int 
   return buffers_.back().get();
 }
 
+void LayerShellShieldPanel::outputScaled(wl_output* output, std::int32_t scale) {
+  outputScales_[output] = scale;
+  updateScale();
+}
+
+void LayerShellShieldPanel::surfaceEntered(wl_output* output) {
+  surfaceOutputs_.insert(output);
+  updateScale();
+}
+
+void LayerShellShieldPanel::surfaceLeft(wl_output* output) {
+  surfaceOutputs_.erase(output);
+  updateScale();
+}
+
+void LayerShellShieldPanel::updateScale() {
+  std::vector<std::int32_t> onSurface;
+  std::vector<std::int32_t> all;
+  for (const auto& [output, scale] : outputScales_) {
+    all.push_back(scale);
+    if (surfaceOutputs_.contains(output)) onSurface.push_back(scale);
+  }
+  // A buffer scale needs version 3 of the compositor interface.
+  const bool scalable = compositor_ != nullptr &&
+                        wl_compositor_get_version(compositor_) >= WL_SURFACE_SET_BUFFER_SCALE_SINCE_VERSION;
+  const std::int32_t scale = scalable ? shieldBufferScale(onSurface, all) : 1;
+  if (scale == bufferScale_) return;
+  bufferScale_ = scale;
+  if (visible_) redraw();
+}
+
 void LayerShellShieldPanel::redraw() {
   if (!view_ || !visible_ || surface_ == nullptr) return;
+  // Laid out in logical units, drawn in the output's pixels.
   const int width = pixels(layout_.size.width);
   const int height = pixels(layout_.size.height);
-  Buffer* buffer = freeBuffer(width, height);
+  Buffer* buffer = freeBuffer(checkedMul<int>(width, bufferScale_), checkedMul<int>(height, bufferScale_));
   if (buffer == nullptr) return;
   // Cairo's ARGB32 is the compositor's ARGB8888 on a little-endian machine.
   cairo_surface_t* image = cairo_image_surface_create_for_data(static_cast<unsigned char*>(buffer->data),
-                                                               CAIRO_FORMAT_ARGB32, width, height, width * 4);
+                                                               CAIRO_FORMAT_ARGB32, buffer->width, buffer->height,
+                                                               buffer->width * 4);
   cairo_t* cr = cairo_create(image);
+  cairo_scale(cr, bufferScale_, bufferScale_);
   painter_.paint(cr, *view_, clock_.calendar(), buttons_.pressed());
   cairo_destroy(cr);
   cairo_surface_flush(image);
   cairo_surface_destroy(image);
   buffer->busy = true;
+  if (wl_surface_get_version(surface_) >= WL_SURFACE_SET_BUFFER_SCALE_SINCE_VERSION) {
+    wl_surface_set_buffer_scale(surface_, bufferScale_);
+  }
   wl_surface_attach(surface_, buffer->buffer, 0, 0);
   wl_surface_damage(surface_, 0, 0, width, height);
   wl_surface_commit(surface_);

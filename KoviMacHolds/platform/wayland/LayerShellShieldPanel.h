@@ -4,8 +4,10 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "KoviMacHolds/MacHoldsLog.h"
@@ -21,8 +23,10 @@ namespace kovi::holds::wayland {
 // The shield as a layer-shell surface on the overlay layer: above every
 // window, centred on the output the compositor picks, taking the keyboard
 // while it shows, painted into shared memory with the shared Cairo painter.
-// Clicks on the buttons run their actions; Return and Escape run the default
-// one ("Back to focus"). Actions run from the loop's idle pass, never from
+// It is laid out in logical units and drawn at the integer scale of the
+// densest output it is on, so it is sharp on a HiDPI screen. Clicks on the
+// buttons run their actions; Return and Escape run the default one ("Back to
+// focus"). Actions run from the loop's idle pass, never from
 // inside a protocol listener.
 class LayerShellShieldPanel final : public MacShieldPanel {
  public:
@@ -46,6 +50,9 @@ class LayerShellShieldPanel final : public MacShieldPanel {
   void pointerMoved(double x, double y);
   void pointerButton(std::uint32_t button, std::uint32_t state);
   void keyPressed(std::uint32_t key);
+  void outputScaled(wl_output* output, std::int32_t scale);
+  void surfaceEntered(wl_output* output);
+  void surfaceLeft(wl_output* output);
 
  private:
   struct Buffer;
@@ -53,6 +60,8 @@ class LayerShellShieldPanel final : public MacShieldPanel {
   void redraw();
   void destroySurface();
   void runQueuedAction();
+  // Redraws when the scale the shield should be drawn at has changed.
+  void updateScale();
 
   WaylandDisplay& display_;
   desktop::CairoShieldPainter painter_;
@@ -64,6 +73,9 @@ class LayerShellShieldPanel final : public MacShieldPanel {
   wl_pointer* pointer_ = nullptr;
   wl_keyboard* keyboard_ = nullptr;
   wl_surface* surface_ = nullptr;
+  std::map<wl_output*, std::int32_t> outputScales_;
+  std::set<wl_output*> surfaceOutputs_;
+  std::int32_t bufferScale_ = 1;
   zwlr_layer_surface_v1* layerSurface_ = nullptr;
   std::vector<std::unique_ptr<Buffer>> buffers_;
   std::optional<MacHoldsShieldView> view_;

@@ -47,11 +47,14 @@ std::set<std::string> WaylandDisplay::globalInterfaces() const {
 
 void* WaylandDisplay::bind(const wl_interface& interface, std::uint32_t maximumVersion) const {
   for (const auto& global : globals_) {
-    if (global.interface != interface.name) continue;
-    const std::uint32_t version = std::min({global.version, maximumVersion, static_cast<std::uint32_t>(interface.version)});
-    return wl_registry_bind(registry_, global.name, &interface, version);
+    if (global.interface == interface.name) return bindGlobal(global, interface, maximumVersion);
   }
   return nullptr;
+}
+
+void* WaylandDisplay::bindGlobal(const Global& global, const wl_interface& interface, std::uint32_t maximumVersion) const {
+  const std::uint32_t version = std::min({global.version, maximumVersion, static_cast<std::uint32_t>(interface.version)});
+  return wl_registry_bind(registry_, global.name, &interface, version);
 }
 
 void WaylandDisplay::dispatchPending() {

@@ -34,6 +34,15 @@ class WaylandDisplay {
   T* bind(const wl_interface& interface, std::uint32_t maximumVersion) const {
     return static_cast<T*>(bind(interface, maximumVersion));
   }
+  // Binds every global of `interface` (each output, say) the same way.
+  template <class T>
+  std::vector<T*> bindAll(const wl_interface& interface, std::uint32_t maximumVersion) const {
+    std::vector<T*> bound;
+    for (const auto& global : globals_) {
+      if (global.interface == interface.name) bound.push_back(static_cast<T*>(bindGlobal(global, interface, maximumVersion)));
+    }
+    return bound;
+  }
 
   // Handles every event already read, then sends what is queued.
   void dispatchPending();
@@ -50,6 +59,7 @@ class WaylandDisplay {
     std::uint32_t version;
   };
   explicit WaylandDisplay(wl_display* display) : display_(display) {}
+  void* bindGlobal(const Global& global, const wl_interface& interface, std::uint32_t maximumVersion) const;
   static void handleGlobal(void* data, wl_registry* registry, std::uint32_t name, const char* interface,
                            std::uint32_t version);
   static void handleGlobalRemove(void* data, wl_registry* registry, std::uint32_t name);

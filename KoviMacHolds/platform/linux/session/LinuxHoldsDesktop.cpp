@@ -35,9 +35,9 @@ std::expected<int, std::string> runMacHoldsAgent(MacHoldsAgentOptions options) {
   }
   const auto choice = desktop::chooseLinuxDesktop(probe);
   if (choice.notice) options.log("note: " + *choice.notice);
-  if (choice.backend == desktop::LinuxDesktopBackend::wlroots) {
+  if (choice.backend != desktop::LinuxDesktopBackend::x11) {
     const std::string swaySocket = environment("SWAYSOCK");
-    return wayland::runAgent(std::move(display),
+    return wayland::runAgent(std::move(display), choice.backend,
                              swaySocket.empty() ? std::nullopt : std::optional<std::filesystem::path>(swaySocket),
                              std::move(options));
   }

@@ -1,8 +1,6 @@
 #include "KoviMacHolds/platform/wayland/demo/PrivateSway.h"
 
 #include <cairo.h>
-#include <pwd.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
@@ -10,27 +8,15 @@
 #include <nlohmann/json.hpp>
 
 #include "KoviMacHolds/platform/wayland/SwayIpc.h"
+#include "KoviMacHolds/platform/wayland/demo/DesktopUser.h"
 
 namespace kovi::holds::wayland {
 
 namespace {
 
-constexpr const char* kDesktopUser = "kovi-desktop";
 constexpr std::chrono::milliseconds kStartTime{15000};
 constexpr std::chrono::milliseconds kToolTime{10000};
 constexpr std::chrono::milliseconds kIpcTime{2000};
-
-bool onPath(const char* program) {
-  for (const char* directory : {"/usr/bin", "/bin", "/usr/local/bin"}) {
-    if (access((std::filesystem::path(directory) / program).c_str(), X_OK) == 0) return true;
-  }
-  return false;
-}
-
-std::optional<std::pair<uid_t, gid_t>> desktopUser() {
-  if (passwd* entry = getpwnam(kDesktopUser)) return std::pair{entry->pw_uid, entry->pw_gid};
-  return std::nullopt;
-}
 
 std::optional<std::filesystem::path> firstMatching(const std::filesystem::path& directory, std::string_view prefix,
                                                    std::string_view suffix) {
@@ -51,19 +37,13 @@ std::expected<void, std::string> runToEnd(std::expected<ChildProcess, std::strin
 
 }  // namespace
 
-bool PrivateSway::isAvailable() { return onPath("sway") && onPath("foot") && onPath("grim") && onPath("wtype"); }
+bool PrivateSway::isAvailable() {
+  return isInstalled("sway") && isInstalled("foot") && isInstalled("grim") && isInstalled("wtype");
+}
 
 std::expected<PrivateSway, std::string> PrivateSway::start(const std::filesystem::path& scratch) {
-  std::optional<std::pair<uid_t, gid_t>> user;
-  if (geteuid() == 0) {
-    if (!desktopUser()) {
-      auto made = runToEnd(ChildProcess::start({"useradd", "--system", "--no-create-home", "--shell",
-                                                "/usr/sbin/nologin", kDesktopUser}),
-                           std::string("useradd ") + kDesktopUser);
-      if (!made && !desktopUser()) return std::unexpected(made.error());  // another test may have made it meanwhile
-    }
-    user = desktopUser();
-  }
+  const auto user = desktopUserForCaller();
+  if (!user) return std::unexpected(user.error());
   const auto runtime = scratch / "runtime";
   std::filesystem::create_directories(runtime);
   std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);
@@ -74,13 +54,8 @@ std::expected<PrivateSway, std::string> PrivateSway::start(const std::filesystem
     std::fprintf(file, "output HEADLESS-1 resolution %dx%d position 0 0\ndefault_border none\n", width, height);
     std::fclose(file);
   }
-  if (user) {
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(scratch)) {
-      if (chown(entry.path().c_str(), user->first, user->second) != 0) return std::unexpected("cannot hand over " + entry.path().string());
-    }
-    if (chown(scratch.c_str(), user->first, user->second) != 0) return std::unexpected("cannot hand over " + scratch.string());
-  }
-  auto sway = ChildProcess::start(asUser(user, {"sway", "-c", config.string()}),
+  if (auto handed = handOver(scratch, *user); !handed) return std::unexpected(handed.error());
+  auto sway = ChildProcess::start(runAs(*user, {"sway", "-c", config.string()}),
                                   {{"XDG_RUNTIME_DIR", runtime.string()},
                                    {"HOME", scratch.string()},
                                    {"WLR_BACKENDS", "headless"},
@@ -98,21 +73,12 @@ std::expected<PrivateSway, std::string> PrivateSway::start(const std::filesystem
       },
       kStartTime);
   if (!started) return std::unexpected("sway did not start; see " + (scratch / "sway.log").string());
-  return PrivateSway(scratch, user, std::move(*sway), *socket);
+  return PrivateSway(scratch, *user, std::move(*sway), *socket);
 }
 
 PrivateSway::PrivateSway(std::filesystem::path scratch, std::optional<std::pair<uid_t, gid_t>> user, ChildProcess sway,
                          std::filesystem::path socket)
     : scratch_(std::move(scratch)), user_(user), sway_(std::move(sway)), socket_(std::move(socket)) {}
-
-std::vector<std::string> PrivateSway::asUser(const std::optional<std::pair<uid_t, gid_t>>& user,
-                                             std::vector<std::string> arguments) {
-  if (!user) return arguments;
-  std::vector<std::string> wrapped{"setpriv", "--reuid=" + std::to_string(user->first),
-                                   "--regid=" + std::to_string(user->second), "--clear-groups"};
-  wrapped.insert(wrapped.end(), arguments.begin(), arguments.end());
-  return wrapped;
-}
 
 std::map<std::string, std::string> PrivateSway::environment() const {
   const auto runtime = scratch_ / "runtime";
@@ -133,7 +99,7 @@ std::expected<ChildProcess, std::string> PrivateSway::startProgram(const std::ve
                                                                    const std::optional<std::filesystem::path>& errors) const {
   auto environment = this->environment();
   for (const auto& [name, value] : extraEnvironment) environment[name] = value;
-  return ChildProcess::start(asUser(user_, arguments), environment, output, errors);
+  return ChildProcess::start(runAs(user_, arguments), environment, output, errors);
 }
 
 std::expected<ChildProcess, std::string> PrivateSway::startStandIn(const std::string& appId) const {

@@ -78,8 +78,6 @@ class PrivateSway {
  private:
   PrivateSway(std::filesystem::path scratch, std::optional<std::pair<uid_t, gid_t>> user, ChildProcess sway,
               std::filesystem::path socket);
-  static std::vector<std::string> asUser(const std::optional<std::pair<uid_t, gid_t>>& user,
-                                         std::vector<std::string> arguments);
 
   std::filesystem::path scratch_;
   std::optional<std::pair<uid_t, gid_t>> user_;
