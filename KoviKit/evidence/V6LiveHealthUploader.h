@@ -34,8 +34,9 @@ class V6LiveHealthUploader {
   static constexpr int kPagesPerPass = 20;
   // A kovi is posted again only after the next 15-minute bucket has closed.
   static constexpr UnixMillis kPostInterval = 15 * 60 * 1000;
-  // A finished list is fetched again after this long.
-  static constexpr UnixMillis kRescanInterval = 15 * 60 * 1000;
+  // A finished list is fetched again after this long, sooner than a repost,
+  // so a kovi joined meanwhile is not left waiting a whole post interval.
+  static constexpr UnixMillis kRescanInterval = 5 * 60 * 1000;
 
   struct State {
     std::optional<V6LiveHealthUploadScope> scope;

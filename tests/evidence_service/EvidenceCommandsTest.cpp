@@ -10,6 +10,7 @@
 #include "KoviKit/attest/SoftwareDeviceKeyService.h"
 #include "KoviKit/evidence/WalkingEvidenceBackoffStore.h"
 #include "KoviKit/foundation/Base64.h"
+#include "KoviKit/foundation/FileIO.h"
 #include "tests/evidence_service/EvidenceFixture.h"
 #include "tests/evidence_service/LoopbackEvidenceService.h"
 #include "tests/support/KoviProcess.h"
