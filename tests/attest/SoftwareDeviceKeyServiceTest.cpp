@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "KoviKit/attest/P256Verification.h"
@@ -49,22 +48,6 @@ TEST_F(SoftwareDeviceKeyServiceTest, KeyIdIsTheHashOfThePublicKeyAndThePrivateKe
     EXPECT_EQ(file.status().permissions() & fs::perms::mask, fs::perms::owner_read | fs::perms::owner_write);
   }
   EXPECT_NE(newKey(), keyId) << "every key is new";
-}
-
-TEST_F(SoftwareDeviceKeyServiceTest, AttestationObjectCarriesThePublicKeyAndASignatureOverTheHash) {
-  const std::string keyId = newKey();
-  const auto object = keys.attestKey(keyId, clientDataHash);
-  ASSERT_TRUE(object.has_value());
-  const auto json = nlohmann::json::parse(std::string(object->begin(), object->end()));
-  ASSERT_EQ(json.size(), 3u);
-  EXPECT_EQ(json.at("fmt"), "kovi-software-p256");
-  const auto publicKey = base64Decode(json.at("publicKey").get<std::string>());
-  const auto signature = base64Decode(json.at("signature").get<std::string>());
-  ASSERT_TRUE(publicKey && signature);
-  EXPECT_EQ(*publicKey, keys.publicKey(keyId).value());
-  const std::string hashText(clientDataHash.begin(), clientDataHash.end());
-  EXPECT_TRUE(verifyP256Signature(*publicKey, hashText, *signature));
-  EXPECT_FALSE(verifyP256Signature(*publicKey, hashText.substr(1), *signature));
 }
 
 // Two services stand for two processes: each keeps its own reserved block.
