@@ -71,8 +71,9 @@ TEST_F(SoftwareDeviceKeyServiceTest, CountersRiseAcrossServicesSharingAKeyAndNev
   }
   // A restart starts past everything reserved.
   SoftwareDeviceKeyService restarted(directory.path(), std::string(kApp));
-  EXPECT_EQ(verifyAssertion(publicKey, kApp, clientDataHash, restarted.generateAssertion(keyId, clientDataHash).value()),
-            5 * kBlock + 1);
+  const auto next = restarted.generateAssertion(keyId, clientDataHash);
+  ASSERT_TRUE(next.has_value());
+  EXPECT_EQ(verifyAssertion(publicKey, kApp, clientDataHash, *next), 5 * kBlock + 1);
 }
 
 TEST_F(SoftwareDeviceKeyServiceTest, AProcessKilledWhileAssertingNeverLetsItsCountersBeReused) {

@@ -93,7 +93,8 @@ TEST(EvidenceCommandsTest, KeyCreateAndAssertMakeVerifiableAssertionsWithARising
   const auto publicKey = keys.publicKey(keyId).value();
   const std::string hashHex = sha256Hex("client data");
   // Each run is a new process: the second starts past the first one's reserved block.
-  for (const auto counter : {std::uint32_t{1}, static_cast<std::uint32_t>(1 + SoftwareDeviceKeyService::kCounterBlock)}) {
+  const auto block = static_cast<std::uint32_t>(SoftwareDeviceKeyService::kCounterBlock);
+  for (const std::uint32_t counter : {1u, 1 + block}) {
     const auto run = runKovi({"evidence", "key", "assert", keyId, "--client-data-hash", hashHex, "--data-dir",
                               directory.path().string()});
     ASSERT_EQ(run.exitStatus, 0) << run.err;
@@ -202,6 +203,12 @@ class EvidenceUploadCommandTest : public ::testing::Test {
     return start - start % EvidenceFixture::kBucket;
   }
 
+  void SetUp() override {
+    const auto registered =
+        runKovi({"evidence", "register", "--account", "actor-1", "--data-dir", directory.path().string()});
+    ASSERT_EQ(registered.exitStatus, 0) << registered.err;
+  }
+
   const UnixMillis start = twoAndAHalfDaysAgo();
   testing::TemporaryDirectory directory;
   testing::LoopbackEvidenceService service{EvidenceFixture::kReference, EvidenceFixture::rules(), start};
@@ -221,8 +228,6 @@ class EvidenceUploadCommandTest : public ::testing::Test {
 };
 
 TEST_F(EvidenceUploadCommandTest, OnePassPostsTheOpenKoviFromTheExport) {
-  ASSERT_EQ(runKovi({"evidence", "register", "--account", "actor-1", "--data-dir", directory.path().string()}).exitStatus,
-            0);
   const auto run = runKovi(upload);
   ASSERT_EQ(run.exitStatus, 0) << run.out << run.err;
   const auto lines = jsonLines(run.out);
@@ -238,8 +243,6 @@ TEST_F(EvidenceUploadCommandTest, OnePassPostsTheOpenKoviFromTheExport) {
 }
 
 TEST_F(EvidenceUploadCommandTest, ATransientFailureIsRememberedUntilItsNextAttemptAndClearedBySuccess) {
-  ASSERT_EQ(runKovi({"evidence", "register", "--account", "actor-1", "--data-dir", directory.path().string()}).exitStatus,
-            0);
   service.loseNextAnswer();
   const auto lost = runKovi(upload);
   ASSERT_EQ(lost.exitStatus, 1) << lost.out << lost.err;
