@@ -147,34 +147,60 @@ std::expected<std::vector<std::uint8_t>, AppAttestError> SoftwareDeviceKeyServic
   return std::vector<std::uint8_t>(text.begin(), text.end());
 }
 
-std::expected<AppAttestAssertion, AppAttestError> SoftwareDeviceKeyService::generateAssertion(
-    std::string_view keyId, const Sha256Digest& clientDataHash) {
-  auto key = loadedKey(keyId);
-  if (!key) return std::unexpected(failure("assertion_failed", key.error()));
-
-  std::scoped_lock processLock(assertionMutex_);
+std::expected<std::uint32_t, AppAttestError> SoftwareDeviceKeyService::nextCounter(std::string_view keyId) {
   const std::filesystem::path counterPath = keyDirectory_ / (std::string(keyId) + ".counter");
   auto fileLock = FileLock::acquire(keyDirectory_ / (std::string(keyId) + ".lock"));
   if (!fileLock) return std::unexpected(failure("assertion_failed", fileLock.error()));
 
-  // A missing or unreadable counter is refused rather than restarted at zero:
+  // A missing or unreadable mark is refused rather than restarted at zero:
   // starting over would repeat counters the service has already seen.
   auto stored = readFileLimited(counterPath, kCounterFileLimit);
   if (!stored) {
     return std::unexpected(
         failure("assertion_failed", "cannot read " + counterPath.string() + ": " + stored.error().detail));
   }
-  auto last = decodeJsonText<DeviceKeyCounter>(*stored);
-  if (!last) {
-    return std::unexpected(
-        failure("assertion_failed", counterPath.string() + " is corrupt: " + last.error().message()));
+  auto found = counterBlocks_.find(keyId);
+  if (found == counterBlocks_.end() || found->second.storedText != *stored) {
+    // First use here, or another process reserved after this one: start past its mark.
+    auto mark = decodeJsonText<DeviceKeyCounter>(*stored);
+    if (!mark) {
+      return std::unexpected(
+          failure("assertion_failed", counterPath.string() + " is corrupt: " + mark.error().message()));
+    }
+    if (mark->counter < 0) return std::unexpected(failure("assertion_failed", counterPath.string() + " is corrupt"));
+    if (found == counterBlocks_.end()) found = counterBlocks_.emplace(std::string(keyId), CounterBlock{}).first;
+    found->second = {mark->counter + 1, mark->counter, std::move(*stored)};
   }
-  if (last->counter < 0 || last->counter >= std::int64_t{std::numeric_limits<std::uint32_t>::max()}) {
+  CounterBlock& block = found->second;
+  constexpr std::int64_t kLastCounter = std::numeric_limits<std::uint32_t>::max();
+  if (block.next > kLastCounter) {
     return std::unexpected(failure("assertion_failed", "the key's assertion counter is used up; register a new key"));
   }
-  const auto counter = static_cast<std::uint32_t>(last->counter + 1);
-  if (auto written = writeFileAtomically(counterPath, counterText(counter), kOwnerOnly); !written) {
-    return std::unexpected(failure("assertion_failed", written.error()));
+  if (block.next > block.reservedThrough) {
+    const std::int64_t mark = std::min(block.next + kCounterBlock - 1, kLastCounter);
+    std::string text = counterText(mark);
+    if (auto written = writeFileAtomically(counterPath, text, kOwnerOnly); !written) {
+      // What is on disk is unknown now: read it again next time.
+      counterBlocks_.erase(found);
+      return std::unexpected(failure("assertion_failed", written.error()));
+    }
+    block.reservedThrough = mark;
+    block.storedText = std::move(text);
+  }
+  return static_cast<std::uint32_t>(block.next++);
+}
+
+std::expected<AppAttestAssertion, AppAttestError> SoftwareDeviceKeyService::generateAssertion(
+    std::string_view keyId, const Sha256Digest& clientDataHash) {
+  auto key = loadedKey(keyId);
+  if (!key) return std::unexpected(failure("assertion_failed", key.error()));
+
+  std::uint32_t counter = 0;
+  {
+    std::scoped_lock processLock(assertionMutex_);
+    auto reserved = nextCounter(keyId);
+    if (!reserved) return std::unexpected(reserved.error());
+    counter = *reserved;
   }
 
   AppAttestAssertion assertion;

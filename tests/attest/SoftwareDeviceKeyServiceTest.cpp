@@ -1,8 +1,10 @@
 #include "KoviKit/attest/SoftwareDeviceKeyService.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "KoviKit/attest/P256Verification.h"
@@ -48,32 +50,65 @@ TEST_F(SoftwareDeviceKeyServiceTest, KeyIdIsTheHashOfThePublicKeyAndThePrivateKe
   EXPECT_NE(newKey(), keyId) << "every key is new";
 }
 
-TEST_F(SoftwareDeviceKeyServiceTest, AttestationObjectCarriesThePublicKeyAndASignatureOverTheHash) {
-  const std::string keyId = newKey();
-  const auto object = keys.attestKey(keyId, clientDataHash);
-  ASSERT_TRUE(object.has_value());
-  const auto json = nlohmann::json::parse(std::string(object->begin(), object->end()));
-  ASSERT_EQ(json.size(), 3u);
-  EXPECT_EQ(json.at("fmt"), "kovi-software-p256");
-  const auto publicKey = base64Decode(json.at("publicKey").get<std::string>());
-  const auto signature = base64Decode(json.at("signature").get<std::string>());
-  ASSERT_TRUE(publicKey && signature);
-  EXPECT_EQ(*publicKey, keys.publicKey(keyId).value());
-  const std::string hashText(clientDataHash.begin(), clientDataHash.end());
-  EXPECT_TRUE(verifyP256Signature(*publicKey, hashText, *signature));
-  EXPECT_FALSE(verifyP256Signature(*publicKey, hashText.substr(1), *signature));
-}
-
-TEST_F(SoftwareDeviceKeyServiceTest, AssertionsVerifyAndTheirCounterRisesAcrossRestarts) {
+// Two services stand for two processes: each keeps its own reserved block.
+TEST_F(SoftwareDeviceKeyServiceTest, CountersRiseAcrossServicesSharingAKeyAndNeverRepeat) {
   const std::string keyId = newKey();
   const auto publicKey = keys.publicKey(keyId).value();
-  for (std::uint32_t expected = 1; expected <= 3; ++expected) {
-    // A fresh service each time: the counter must come from the disk.
-    SoftwareDeviceKeyService restarted(directory.path(), std::string(kApp));
-    const auto assertion = restarted.generateAssertion(keyId, clientDataHash);
+  SoftwareDeviceKeyService other(directory.path(), std::string(kApp));
+  constexpr auto kBlock = static_cast<std::uint32_t>(SoftwareDeviceKeyService::kCounterBlock);
+  // Within a block a service counts by one; a service that finds another's
+  // reservation on disk moves past it, so the key's counters rise overall.
+  const struct {
+    SoftwareDeviceKeyService* service;
+    std::uint32_t counter;
+  } steps[] = {{&keys, 1},  {&keys, 2},           {&other, kBlock + 1},     {&keys, 2 * kBlock + 1},
+               {&other, 3 * kBlock + 1}, {&other, 3 * kBlock + 2}, {&keys, 4 * kBlock + 1}};
+  for (const auto& step : steps) {
+    SCOPED_TRACE(step.counter);
+    const auto assertion = step.service->generateAssertion(keyId, clientDataHash);
     ASSERT_TRUE(assertion.has_value()) << assertion.error().detail;
-    EXPECT_EQ(verifyAssertion(publicKey, kApp, clientDataHash, *assertion), expected);
+    EXPECT_EQ(verifyAssertion(publicKey, kApp, clientDataHash, *assertion), step.counter);
   }
+  // A restart starts past everything reserved.
+  SoftwareDeviceKeyService restarted(directory.path(), std::string(kApp));
+  const auto next = restarted.generateAssertion(keyId, clientDataHash);
+  ASSERT_TRUE(next.has_value());
+  EXPECT_EQ(verifyAssertion(publicKey, kApp, clientDataHash, *next), 5 * kBlock + 1);
+}
+
+TEST_F(SoftwareDeviceKeyServiceTest, AProcessKilledWhileAssertingNeverLetsItsCountersBeReused) {
+  const std::string keyId = newKey();
+  const auto publicKey = keys.publicKey(keyId).value();
+  int fds[2];
+  ASSERT_EQ(::pipe(fds), 0);
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    ::close(fds[0]);
+    SoftwareDeviceKeyService service(directory.path(), std::string(kApp));
+    for (;;) {
+      const auto assertion = service.generateAssertion(keyId, clientDataHash);
+      if (!assertion) ::_exit(1);
+      const auto counter = verifyAssertion(publicKey, kApp, clientDataHash, *assertion);
+      if (!counter || ::write(fds[1], &*counter, sizeof *counter) != sizeof *counter) ::_exit(1);
+    }
+  }
+  ::close(fds[1]);
+  std::uint32_t seen = 0;
+  std::uint32_t last = 0;
+  // Past the first block, so the kill lands after at least one reservation.
+  while (seen < 100 && ::read(fds[0], &last, sizeof last) == sizeof last) ++seen;
+  ASSERT_EQ(::kill(child, SIGKILL), 0);
+  std::uint32_t counter = 0;
+  while (::read(fds[0], &counter, sizeof counter) == sizeof counter) last = counter;
+  ::close(fds[0]);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFSIGNALED(status));
+  ASSERT_EQ(seen, 100u);
+  const auto next = keys.generateAssertion(keyId, clientDataHash);
+  ASSERT_TRUE(next.has_value()) << next.error().detail;
+  EXPECT_GT(verifyAssertion(publicKey, kApp, clientDataHash, *next).value(), last);
 }
 
 TEST_F(SoftwareDeviceKeyServiceTest, AssertionDoesNotVerifyForAnotherHashAppOrKey) {
@@ -120,7 +155,7 @@ TEST_F(SoftwareDeviceKeyServiceTest, ADamagedMissingOrUsedUpCounterIsRefusedAndL
     const char* detail;
   } cases[] = {
       {R"({"counter":)", "is corrupt"},
-      {R"({"counter":-1})", "used up"},
+      {R"({"counter":-1})", "is corrupt"},
       {R"({"counter":4294967295})", "used up"},
       {R"({"counter":7,"extra":1})", "unknown key"},
       {std::nullopt, "cannot read"},

@@ -196,8 +196,12 @@ LoopbackEvidenceService::Answer LoopbackEvidenceService::context(const Json& req
 }
 
 LoopbackEvidenceService::Answer LoopbackEvidenceService::kovis(const Json& request) {
+  ++koviListRequests_;
   // One kovi: the first page holds it, and a cursor past it gives an empty last page.
-  if (!request.at("cursor").is_null()) return {200, Json{{"kovis", Json::array()}, {"nextCursor", nullptr}}.dump()};
+  if (!request.at("cursor").is_null()) {
+    const Json next = loopCursors_ ? Json(request.at("cursor") == "a" ? "b" : "a") : Json();
+    return {200, Json{{"kovis", Json::array()}, {"nextCursor", next}}.dump()};
+  }
   if (request.at("limit").get<int>() < 1) return {400, refusal("walking_evidence_request_rejected")};
   return {200, Json{{"kovis", {{{"reference", reference_}}}}, {"nextCursor", "after-" + reference_}}.dump()};
 }

@@ -54,6 +54,9 @@ class LoopbackEvidenceService {
   void holdNextSubmission() { holdNext_ = true; }
   bool waitUntilHeld(std::chrono::milliseconds limit);
   void releaseHeld() { heldGate_.open(); }
+  // The kovi list never ends: its cursors run "a", "b", "a", … after the first page.
+  void loopKoviCursors() { loopCursors_ = true; }
+  int koviListRequests() const { return koviListRequests_; }
 
  private:
   struct Key {
@@ -108,6 +111,8 @@ class LoopbackEvidenceService {
   std::atomic<int> bumpDay_ = -1;
   std::atomic<std::size_t> payloadLimit_ = 1 << 20;
   std::atomic<bool> holdNext_ = false;
+  std::atomic<bool> loopCursors_ = false;
+  std::atomic<int> koviListRequests_ = 0;
   Gate heldGate_;
   Gate arrivedGate_;
 

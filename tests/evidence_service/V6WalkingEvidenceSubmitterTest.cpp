@@ -132,18 +132,6 @@ TEST_F(V6WalkingEvidenceSubmitterTest, TheWriterMovesFromThisDevicesReplacedKeyB
   EXPECT_EQ(service.writerDeviceKeyId(), second.serverDeviceKeyId);
 }
 
-TEST_F(V6WalkingEvidenceSubmitterTest, KovisArePagedByCursor) {
-  const auto first = device.api.walkingKovis(std::nullopt, 20);
-  ASSERT_TRUE(first.has_value());
-  ASSERT_EQ(first->kovis.size(), 1u);
-  EXPECT_EQ(first->kovis[0].reference, EvidenceFixture::kReference);
-  ASSERT_TRUE(first->nextCursor.has_value());
-  const auto last = device.api.walkingKovis(first->nextCursor, 20);
-  ASSERT_TRUE(last.has_value());
-  EXPECT_TRUE(last->kovis.empty());
-  EXPECT_FALSE(last->nextCursor.has_value());
-}
-
 TEST_F(V6WalkingEvidenceSubmitterTest, AnotherDevicesWriterIsLeftAloneAndNothingIsSent) {
   ASSERT_TRUE(device.submit(device.registerKey(), {0}).has_value());
   Device other(origin());

@@ -1,4 +1,4 @@
-// `kovi evidence envelope|key|register|submit|pending`: the signed side of
+// `kovi evidence envelope|key|register|submit|upload|pending`: the signed side of
 // walking evidence — the canonical envelope, the device key, its
 // registration, submission against the service and the pending records.
 #include <iostream>
@@ -9,9 +9,13 @@
 
 #include "KoviKit/attest/AppAttestKeyStore.h"
 #include "KoviKit/attest/SoftwareDeviceKeyService.h"
+#include "KoviKit/evidence/HealthExportStore.h"
+#include "KoviKit/evidence/HealthStepStatistics.h"
 #include "KoviKit/evidence/V6DeviceKeyRegistrar.h"
+#include "KoviKit/evidence/V6LiveHealthUploader.h"
 #include "KoviKit/evidence/V6RequestId.h"
 #include "KoviKit/evidence/V6WalkingEvidenceSubmitter.h"
+#include "KoviKit/evidence/WalkingEvidenceBackoffStore.h"
 #include "KoviKit/foundation/ApplicationSupport.h"
 #include "tools/kovi/Commands.h"
 #include "tools/kovi/Input.h"
@@ -31,6 +35,8 @@ void fail(int status, const std::string& reason) {
   std::cerr << "kovi evidence: " << reason << '\n';
   exitStatus() = status;
 }
+
+UnixMillis nowMillis() { return Date::now().unixMillis(); }
 
 void printLine(const Json& json) { std::cout << json.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n'; }
 
@@ -60,15 +66,48 @@ void addServiceOptions(CLI::App* command, DeviceOptions& options) {
       ->required();
 }
 
-// A refusal, with the earliest time an uploader would try again after it
-// (the first failure of its class; the tool keeps no history between runs).
-Json errorJson(const V6EvidenceSubmissionError& error) {
-  const auto backoff = WalkingEvidenceBackoff{}.afterFailure(error.failure, Date::now().unixMillis());
+// A refusal, with the earliest time the next attempt is worth making: a
+// transient failure counts into the account's stored backoff; the other
+// classes wait their fixed time from now without being stored.
+Json errorJson(const V6EvidenceSubmissionError& error, WalkingEvidenceBackoffStore* backoffs = nullptr,
+               const std::string& account = {}) {
+  const UnixMillis now = nowMillis();
+  auto backoff = WalkingEvidenceBackoff{}.afterFailure(error.failure, now);
+  if (backoffs != nullptr) {
+    if (auto stored = backoffs->recordFailure(account, error.failure, now); !stored) {
+      std::cerr << "kovi evidence: " << stored.error() << '\n';
+    } else if (error.failure == WalkingEvidenceFailure::transient) {
+      backoff = *stored;
+    }
+  }
   return {{"code", error.code},
           {"message", error.message},
           {"failure", enumName(error.failure)},
           {"detail", error.detail},
           {"nextAttemptAt", backoff.nextAttemptAt ? Json(*backoff.nextAttemptAt) : Json()}};
+}
+
+// Whether the account's stored backoff lets a run try now; if not, says when
+// it will and exits 1.
+bool backoffAllowsAttempt(const WalkingEvidenceBackoffStore& backoffs, const std::string& account) {
+  const auto backoff = backoffs.load(account);
+  if (!backoff) {
+    fail(kRefused, backoff.error());
+    return false;
+  }
+  if (backoff->allowsAttempt(nowMillis())) return true;
+  std::cerr << "kovi evidence: " << backoff->consecutiveFailures
+            << " transient failures in a row; the next attempt is allowed at " << *backoff->nextAttemptAt
+            << " (Unix ms)\n";
+  printLine({{"code", "backoff"},
+             {"consecutiveFailures", backoff->consecutiveFailures},
+             {"nextAttemptAt", *backoff->nextAttemptAt}});
+  exitStatus() = kRefused;
+  return false;
+}
+
+void clearBackoff(WalkingEvidenceBackoffStore& backoffs, const std::string& account) {
+  if (auto cleared = backoffs.clear(account); !cleared) std::cerr << "kovi evidence: " << cleared.error() << '\n';
 }
 
 // ---- envelope ----
@@ -159,13 +198,43 @@ struct Session {
   SoftwareDeviceKeyService keys;
   AppAttestFileKeyStore keyStore;
   V6EvidencePendingStore pending;
+  WalkingEvidenceBackoffStore backoffs;
   V6WalkingEvidenceAPI api;
 
   Session(const DeviceOptions& options, const NativeServiceOrigin& origin)
       : keys(options.dataPath(), options.appIdentity),
         keyStore(options.dataPath()),
         pending(options.dataPath()),
+        backoffs(options.dataPath()),
         api(origin, options.token, clientOptions()) {}
+
+  // The account's registered key, or the refusal printed and none.
+  std::optional<AppAttestDeviceKey> registeredKey(const std::string& account) {
+    auto key = keyStore.key(account);
+    if (!key) {
+      fail(kRefused, key.error());
+      return std::nullopt;
+    }
+    if (!*key || !(*key)->serverDeviceKeyId) {
+      printLine(errorJson(V6EvidenceSubmissionError::fromDeviceKey(
+          AppAttestError{"device_key_not_registered", "run `kovi evidence register --account` first"})));
+      exitStatus() = kRefused;
+      return std::nullopt;
+    }
+    return **key;
+  }
+
+  // The account's key and a submitter signing with it; none, the refusal
+  // printed, while the account's backoff runs or its key is not registered.
+  std::optional<std::pair<AppAttestDeviceKey, V6WalkingEvidenceSubmitter>> beginSubmission(
+      const DeviceOptions& options) {
+    if (!backoffAllowsAttempt(backoffs, options.account)) return std::nullopt;
+    auto key = registeredKey(options.account);
+    if (!key) return std::nullopt;
+    V6WalkingEvidenceSubmitter submitter({api, keys, pending, nowMillis, newV6RequestId}, options.appIdentity,
+                                         key->environment);
+    return std::pair{std::move(*key), std::move(submitter)};
+  }
 
   static NativeClientOptions clientOptions() {
     NativeClientOptions options;
@@ -291,24 +360,17 @@ void addSubmitCommand(CLI::App& evidence) {
     if (!reads) return fail(kUsageError, options->reads + ": " + reads.error().message());
     auto session = openSession(*options);
     if (!session) return;
-    auto key = session->keyStore.key(options->account);
-    if (!key) return fail(kRefused, key.error());
-    if (!*key || !(*key)->serverDeviceKeyId) {
-      printLine(errorJson(V6EvidenceSubmissionError::fromDeviceKey(
-          AppAttestError{"device_key_not_registered", "run `kovi evidence register --account` first"})));
-      exitStatus() = kRefused;
-      return;
-    }
-    const auto clock = [] { return Date::now().unixMillis(); };
-    V6WalkingEvidenceSubmitter submitter({session->api, session->keys, session->pending, clock, newV6RequestId},
-                                         options->appIdentity, (*key)->environment);
-    auto outcome = submitter.submit(**key, options->account, options->reference, *reads,
-                                    options->cutoff.value_or(clock()));
+    auto run = session->beginSubmission(*options);
+    if (!run) return;
+    auto& [key, submitter] = *run;
+    auto outcome =
+        submitter.submit(key, options->account, options->reference, *reads, options->cutoff.value_or(nowMillis()));
     if (!outcome) {
-      printLine(errorJson(outcome.error()));
+      printLine(errorJson(outcome.error(), &session->backoffs, options->account));
       exitStatus() = kRefused;
       return;
     }
+    clearBackoff(session->backoffs, options->account);
     reportResolved(outcome->resolved);
     if (outcome->transfer) {
       std::cerr << "kovi evidence: evidence writer moved to this device's key, epoch " << outcome->transfer->writerEpoch
@@ -316,6 +378,65 @@ void addSubmitCommand(CLI::App& evidence) {
     }
     for (const auto& day : outcome->days) printLine(dayJson(day));
     printLine(outcome->receipt ? receiptJson(*outcome->receipt) : Json{{"receipt", nullptr}});
+  });
+}
+
+void addUploadCommand(CLI::App& evidence) {
+  struct Options : DeviceOptions {
+    std::string exportPath;
+    std::string sourcePriority;
+  };
+  auto options = std::make_shared<Options>();
+  CLI::App* command = evidence.add_subcommand(
+      "upload",
+      "One pass of the automatic uploader for --account: page through the account's walking\n"
+      "kovis at the service (a cursor the service repeats ends the list), read each open kovi's\n"
+      "days from --export as `kovi evidence read` does, and submit them as `kovi evidence submit`\n"
+      "does. Prints one JSON line per kovi ({\"reference\", \"days\", \"receipt\"} when posted,\n"
+      "{\"reference\", \"error\"} when refused) and then {\"posted\", \"failed\", \"cursorLoop\"}.\n"
+      "A transient failure (network, 5xx) counts into the account's backoff and exits 1; while\n"
+      "that backoff runs, the command says when the next attempt is allowed and exits 1. A\n"
+      "refused kovi exits 1 after the others were tried; a success clears the backoff.");
+  command->add_option("--export", options->exportPath, "export.zip, export.xml or a JSON sample file")->required();
+  command->add_option("--source-priority", options->sourcePriority,
+                      "Sources that count first where samples overlap, comma-separated");
+  addServiceOptions(command, *options);
+  command->callback([options] {
+    auto session = openSession(*options);
+    if (!session) return;
+    auto run = session->beginSubmission(*options);
+    if (!run) return;
+    auto& [key, submitter] = *run;
+    const auto priority = HealthSourcePriority::fromList(options->sourcePriority);
+    const auto read = [options, &priority](const std::vector<HealthEvidenceDayWindow>& windows, UnixMillis cutoff) {
+      HealthExportStore store(options->exportPath);
+      auto reading = readHealthEvidence(store, {windows, cutoff, std::nullopt}, priority);
+      if (reading.failure) std::cerr << "kovi evidence: " << *reading.failure << '\n';
+      return std::move(reading.result.days);
+    };
+    // One pass of one process: the scope cannot change under it.
+    const V6LiveHealthUploadScope scope{options->account, 0, 0, 0};
+    V6LiveHealthUploader uploader({session->api, submitter, read, [&scope] { return scope; }, nowMillis, newV6RequestId});
+    auto pass = uploader.runPass(key);
+    if (!pass) {
+      printLine(errorJson(pass.error(), &session->backoffs, options->account));
+      exitStatus() = kRefused;
+      return;
+    }
+    clearBackoff(session->backoffs, options->account);
+    for (const auto& posted : pass->posted) {
+      reportResolved(posted.outcome.resolved);
+      Json days = Json::array();
+      for (const auto& day : posted.outcome.days) days.push_back(dayJson(day));
+      Json line{{"reference", posted.reference}, {"days", std::move(days)}};
+      line.update(posted.outcome.receipt ? receiptJson(*posted.outcome.receipt) : Json{{"receipt", nullptr}});
+      printLine(line);
+    }
+    for (const auto& failed : pass->failed) {
+      printLine({{"reference", failed.reference}, {"error", errorJson(failed.error)}});
+    }
+    printLine({{"posted", pass->posted.size()}, {"failed", pass->failed.size()}, {"cursorLoop", pass->cursorLoop}});
+    if (!pass->failed.empty()) exitStatus() = kRefused;
   });
 }
 
@@ -361,6 +482,7 @@ void addEvidenceSubmissionCommands(CLI::App& app) {
   addKeyCommands(evidence);
   addRegisterCommand(evidence);
   addSubmitCommand(evidence);
+  addUploadCommand(evidence);
   addPendingCommand(evidence);
 }
 
