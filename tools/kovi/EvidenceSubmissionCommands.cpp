@@ -61,7 +61,7 @@ void addDeviceOptions(CLI::App* command, DeviceOptions& options) {
 
 void addServiceOptions(CLI::App* command, DeviceOptions& options) {
   addDeviceOptions(command, options);
-  command->add_option("--token", options.token, "Session token for the service (never printed)")->envname("KOVI_TOKEN");
+  addTokenOption(command, options.token);
   command->add_option("--account", options.account, "The account (financial actor) the key and evidence belong to")
       ->required();
 }
