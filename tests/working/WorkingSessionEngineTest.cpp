@@ -109,6 +109,10 @@ TEST(WorkingSessionEngineTest, ClassifiesTimeByTheRulesOfEachState) {
        concat({{startEvent(0), sessionEvent(10'000, Type::manualBreak)}, activityAt({11'000, 13'000, 15'000, 16'000}),
                {sessionEvent(20'000, Type::tick)}}),
        State::active, std::nullopt, {.active = 14'000, .breaks = 6'000}},
+      {"a remote break is break time and ends by the resume rule", unchanged,
+       concat({{startEvent(0), sessionEvent(10'000, Type::remoteBreak)}, activityAt({11'000, 13'000, 15'000, 16'000}),
+               {sessionEvent(20'000, Type::tick)}}),
+       State::active, std::nullopt, {.active = 14'000, .breaks = 6'000}},
       {"offline time is provisional for 90 s after the last verified state, then unverified", unchanged,
        {startEvent(0), transportEvent(10'000, Transport::offlineLocal), sessionEvent(50'000, Type::activity),
         sessionEvent(100'000, Type::activity), sessionEvent(150'000, Type::tick)},
@@ -303,6 +307,11 @@ TEST(WorkingSessionEngineTest, ExplainsWhyTheCurrentTimeIsExcluded) {
       {{startEvent(0), sessionEvent(1'000, Type::handoff)},
        "Mac değişimi sırasındaki doğrulanamayan aralık çalışma sayılmadı."},
       {{startEvent(0), sessionEvent(1'000, Type::violation)}, "Odak koşullarının sağlanmadığı süre çalışma sayılmadı."},
+      {{startEvent(0), sessionEvent(1'000, Type::remoteBreak)},
+       "Uzaktan mola komutunun etkilediği süre çalışma sayılmadı."},
+      // The user's own break, even when asked for during a remote one, is not the command's.
+      {{startEvent(0), sessionEvent(1'000, Type::remoteBreak), sessionEvent(2'000, Type::manualBreak)},
+       "Odak koşullarının sağlanmadığı süre çalışma sayılmadı."},
   };
   for (const auto& expected : cases) {
     EXPECT_EQ(workingExclusionReason(run(sessionTestPolicy(), expected.events)), expected.reason);
