@@ -36,7 +36,7 @@ std::optional<std::string> readOrReport(const std::string& path, int status) {
 // A checkpoint document or key, read with repeated keys refused: the hash must
 // cover the only reading of the file. Undecodable input ends with 2.
 template <class T>
-std::optional<T> decodeCheckpoints(const std::string& path) {
+std::optional<T> decodeDocument(const std::string& path) {
   const auto text = readOrReport(path, 2);
   if (!text) return std::nullopt;
   auto decoded = decodeJsonText<T>(*text);
