@@ -18,6 +18,7 @@ struct WorkingCheckpointChainReport {
     pending,       // consistent so far; the `final` checkpoint has not arrived
     inconsistent,  // a link is broken: none of the chain's time is accepted
     none,          // no checkpoint yet
+    unverifiable,  // consistent, but a checkpoint is not signed by the Mac's key: no time is accepted
   };
 
   Status status = Status::none;
@@ -57,6 +58,7 @@ struct EnumNames<WorkingCheckpointChainReport::Status> {
       std::pair{WorkingCheckpointChainReport::Status::pending, std::string_view("pending")},
       std::pair{WorkingCheckpointChainReport::Status::inconsistent, std::string_view("inconsistent")},
       std::pair{WorkingCheckpointChainReport::Status::none, std::string_view("none")},
+      std::pair{WorkingCheckpointChainReport::Status::unverifiable, std::string_view("unverifiable")},
   };
 };
 

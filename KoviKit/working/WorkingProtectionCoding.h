@@ -28,15 +28,6 @@ struct JsonRecordFields<WorkingProtectionPolicy> : StrictJsonRecord {
 };
 
 template <>
-struct JsonRecordFields<WorkingDeviceCapabilities> : StrictJsonRecord {
-  using C = WorkingDeviceCapabilities;
-  static constexpr auto fields =
-      std::tuple{field("activity", &C::activity), field("appBlocking", &C::appBlocking),
-                 field("websiteBlocking", &C::websiteBlocking), field("iphoneShield", &C::iphoneShield),
-                 field("accessibility", &C::accessibility)};
-};
-
-template <>
 struct JsonRecordFields<WorkingProtectionProof> : StrictJsonRecord {
   using P = WorkingProtectionProof;
   static constexpr auto fields = std::tuple{

@@ -4,20 +4,10 @@
 #include <string>
 
 #include "KoviKit/foundation/Time.h"
+#include "KoviKit/working/WorkingDeviceCapabilities.h"
 #include "KoviKit/working/WorkingProtectionPolicy.h"
 
 namespace kovi {
-
-// What a device can protect and observe, as it reports it with every proof.
-struct WorkingDeviceCapabilities {
-  bool activity = false;
-  bool appBlocking = false;
-  bool websiteBlocking = false;
-  bool iphoneShield = false;
-  bool accessibility = false;
-
-  bool operator==(const WorkingDeviceCapabilities&) const = default;
-};
 
 // A device's signed report that it applies a policy revision under a rule
 // set (`rulesHash`, see workingRulesHash). `sequence` grows with every proof

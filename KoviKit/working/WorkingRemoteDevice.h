@@ -7,20 +7,14 @@
 
 #include "KoviKit/foundation/JsonRecordCoding.h"
 #include "KoviKit/foundation/Time.h"
+#include "KoviKit/working/WorkingDeviceCapabilities.h"
 
 namespace kovi {
 
 // A member's registered device as the service knows it, with what it last
 // reported it can do.
 struct WorkingRemoteDevice {
-  struct Capabilities {
-    bool activity = false;
-    bool appBlocking = false;
-    bool websiteBlocking = false;
-    bool iphoneShield = false;
-    bool accessibility = false;
-    bool operator==(const Capabilities&) const = default;
-  };
+  using Capabilities = WorkingReportedCapabilities;
 
   std::string id;
   std::string accountID;
@@ -33,15 +27,6 @@ struct WorkingRemoteDevice {
   Capabilities capabilities;
 
   bool operator==(const WorkingRemoteDevice&) const = default;
-};
-
-template <>
-struct JsonRecordFields<WorkingRemoteDevice::Capabilities> : LenientJsonRecord {
-  using R = WorkingRemoteDevice::Capabilities;
-  static constexpr auto fields =
-      std::tuple{field("activity", &R::activity), field("appBlocking", &R::appBlocking),
-                 field("websiteBlocking", &R::websiteBlocking), field("iphoneShield", &R::iphoneShield),
-                 field("accessibility", &R::accessibility)};
 };
 
 template <>

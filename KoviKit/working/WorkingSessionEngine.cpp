@@ -152,6 +152,16 @@ struct WorkingSessionTransitions {
     return {};
   }
 
+  // A break imposed by a remote command: break time like the user's own, but
+  // without the user's request, which is how the engine tells the two apart.
+  static std::expected<void, WorkingSessionError> remoteBreak(WorkingSessionEngine& engine,
+                                                              const WorkingSessionEvent&) {
+    engine.state_ = State::manualBreak;
+    engine.manualBreakRequested_ = false;
+    engine.restartResumeDebounce();
+    return {};
+  }
+
   static std::expected<void, WorkingSessionError> resume(WorkingSessionEngine& engine,
                                                          const WorkingSessionEvent& event) {
     if (!workingBlockingReasons(engine.policy_, engine.readiness_).empty()) {
@@ -198,7 +208,7 @@ struct WorkingSessionTransitions {
   static constexpr auto cannotResume = WorkingSessionError::Kind::cannotResume;
 
   // Indexed by event type, in the type's declared order.
-  static constexpr std::array<Row, 19> table{{
+  static constexpr std::array<Row, 20> table{{
       {Type::start, true, 0, WorkingSessionError::Kind::alreadyStarted, false, start},
       {Type::readiness, true, kRunning, cannotResume, false, readiness},
       {Type::activity, false, kRunning, cannotResume, false, activity},
@@ -211,6 +221,8 @@ struct WorkingSessionTransitions {
       {Type::displayWake, false, kRunning, cannotResume, false, setFlag<&Readiness::displayAwake, true>},
       {Type::manualBreak, false, bit(State::active) | bit(State::possibleIdle) | kBreaks, cannotResume, false,
        manualBreak},
+      {Type::remoteBreak, false, bit(State::active) | bit(State::possibleIdle) | kBreaks, cannotResume, false,
+       remoteBreak},
       {Type::resume, false, kBreaks | bit(State::suspended), cannotResume, false, resume},
       {Type::passive, false, kRunning, cannotResume, false, passive},
       {Type::transport, false, kRunning, cannotResume, false, transport},

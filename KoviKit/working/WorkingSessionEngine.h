@@ -50,6 +50,8 @@ class WorkingSessionEngine {
   std::optional<UnixMillis> startedAtMS() const { return startedAtMS_; }
   std::optional<UnixMillis> lastObservedAtMS() const { return lastObservedAtMS_; }
   bool scheduledBreakActive() const { return scheduledBreakActive_; }
+  // Whether the session is on a break a remote command imposed, not one the user asked for.
+  bool remoteBreakActive() const { return state_ == WorkingSessionState::manualBreak && !manualBreakRequested_; }
   const std::vector<WorkingTimeSegment>& timeline() const { return timeline_; }
   // Whether the last observation lies past the session's hard window.
   bool pastHardWindow() const;

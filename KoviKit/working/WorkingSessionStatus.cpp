@@ -80,6 +80,7 @@ std::optional<std::string_view> workingExclusionReason(const WorkingSessionEngin
   if (state == State::preparing || state == State::completed) return std::nullopt;
   if (engine.pastHardWindow() && state == State::active) return "Oturum bitirme sınırından sonraki süre çalışma sayılmaz.";
   if (engine.scheduledBreakActive()) return "Planlı Pomodoro molaları çalışma süresine dahil edilmez.";
+  if (engine.remoteBreakActive()) return "Uzaktan mola komutunun etkilediği süre çalışma sayılmadı.";
   if (state == State::possibleIdle || state == State::autoBreak || state == State::manualBreak) {
     return "Odak koşullarının sağlanmadığı süre çalışma sayılmadı.";
   }

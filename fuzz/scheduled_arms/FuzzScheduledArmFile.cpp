@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "KoviKit/working/WorkingChainBinding.h"
-#include "KoviKit/working/WorkingScheduledArmFiles.h"
+#include "KoviKit/working/WorkingScheduledArmStore.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace kovi;
@@ -17,8 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const auto record = decodeWorkingScheduledArmFile(text, binding);
   if (record) {
-    const nlohmann::json document = {{"version", 1}, {"chainBinding", binding}, {"record", *record}};
-    const auto again = decodeWorkingScheduledArmFile(document.dump(), binding);
+    const WorkingScheduledArmFile file{WorkingScheduledArmFile::kVersion, binding, *record};
+    const auto again = decodeWorkingScheduledArmFile(encodeRecord(file).dump(), binding);
     if (!again || *again != *record) std::abort();
   } else if (record.error().reason.empty()) {
     std::abort();

@@ -10,6 +10,21 @@
 
 namespace kovi::testing {
 
+nlohmann::ordered_json sampleOfflineLease() {
+  return nlohmann::ordered_json::parse(R"({"version":1,"id":"lease-1","requestID":"request-1","sessionID":"session-1",)"
+                                       R"("roomID":"room-1","accountID":"account-1","deviceID":"mac-1","epoch":3,)"
+                                       R"("rulesHash":"rules-hash","deviceKeyHash":"device-key-hash",)"
+                                       R"("serverKeyID":"server-1","issuedAt":1800000000000,)"
+                                       R"("workUntil":1800000120000,"reconcileBy":1800000600000,"maxSequence":20,)"
+                                       R"("anchor":{"sequence":7,"headHash":"head-hash","through":1799999999000,)"
+                                       R"("monotonicMS":55000}})");
+}
+
+WorkingOfflineBinding sampleOfflineBinding() {
+  return {"account-1", "room-1", "session-1", "mac-1", 3, "rules-hash", "device-key-hash",
+          WorkingOfflineAnchor{7, "head-hash", kSampleLeaseIssuedAt - 1000, 55'000}};
+}
+
 struct OfflineLeaseServer::Key {
   EVP_PKEY* pkey = nullptr;
 };

@@ -5,7 +5,15 @@
 
 #include <nlohmann/json.hpp>
 
+#include "KoviKit/working/WorkingOfflineLease.h"
+
 namespace kovi::testing {
+
+// A lease as the service would send it, issued at `kSampleLeaseIssuedAt` and
+// good for two minutes, and the binding it was issued for.
+inline constexpr UnixMillis kSampleLeaseIssuedAt = 1'800'000'000'000;
+nlohmann::ordered_json sampleOfflineLease();
+WorkingOfflineBinding sampleOfflineBinding();
 
 // Stands in for the service's lease signer: a fresh P-256 key made with
 // OpenSSL, signing lease envelopes the way the service does, from its own

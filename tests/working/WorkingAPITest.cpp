@@ -8,10 +8,10 @@
 #include "KoviKit/attest/SoftwareDeviceKeyService.h"
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/working/WorkingAPI.h"
+#include "KoviKit/working/WorkingCheckpointSignature.h"
 #include "KoviKit/working/WorkingCheckpointWriter.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/TemporaryDirectory.h"
-#include "tests/working/CheckpointSignature.h"
 
 namespace kovi {
 namespace {
@@ -104,7 +104,7 @@ class LoopbackWorkingService {
         checkpoint.epoch != session_.epoch || checkpoint.deviceID != session_.deviceID) {
       return answerError(response, 409, "working_session_conflict");
     }
-    const auto counter = testing::verifyCheckpointSignature(*upload, publicKey_, kAppIdentity);
+    const auto counter = verifyWorkingCheckpointSignature(*upload, {checkpoint.deviceID, kAppIdentity, publicKey_});
     if (!counter || *counter <= lastCounter_) return answerError(response, 400, "working_verifier_signature_invalid");
     lastCounter_ = *counter;
     for (const auto& segment : checkpoint.segments) {

@@ -110,12 +110,9 @@ TEST(WorkingCheckpointChainTest, ChainsAreJudgedAsAWhole) {
       {"altered segment", [](auto& c) { c[1].segments[1].kind = Kind::active; }, Status::inconsistent, 2},
       {"checkpoint after final", [](auto& c) { c[2].final = true; relink(c); }, Status::inconsistent, 3},
       {"other device", [](auto& c) { c[3].deviceID = "mac-2"; relink(c); }, Status::inconsistent, 3},
-      {"other epoch", [](auto& c) { c[1].epoch = 3; relink(c); }, Status::inconsistent, 1},
       {"segment past its checkpoint", [](auto& c) { c[0].segments[1].end += 1; relink(c); }, Status::inconsistent, 0},
       {"segment before previous checkpoint", [](auto& c) { c[2].segments[0].start -= 1; relink(c); },
        Status::inconsistent, 2},
-      {"segments out of order", [](auto& c) { std::swap(c[1].segments[0], c[1].segments[1]); relink(c); },
-       Status::inconsistent, 1},
       {"empty segment", [](auto& c) { c[1].segments[0].end = c[1].segments[0].start; relink(c); },
        Status::inconsistent, 1},
       {"wall clock backwards", [](auto& c) { c[1].at = c[0].at - 1; c[1].segments.clear(); relink(c); },
@@ -156,10 +153,6 @@ TEST(WorkingCheckpointChainTest, StatusTexts) {
   EXPECT_EQ(verifyWorkingCheckpointChain({}).message, "Mac çalışma oturumunu henüz başlatmadı.");
   const auto pending = verifyWorkingCheckpointChain(linkedChain(2, false));
   EXPECT_EQ(pending.message, "Son kayıtlar bekleniyor; oturumun doğrulama sonucu henüz kesinleşmedi.");
-  auto broken = linkedChain(2, true);
-  broken[1].previousHash = std::string(kWorkingCheckpointGenesisHash);
-  EXPECT_EQ(verifyWorkingCheckpointChain(broken).message,
-            "Oturum kayıtlarının tutarlılığı doğrulanamadı; bu kayıttan çalışma süresi kabul edilmedi.");
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "KoviKit/attest/SoftwareDeviceKeyService.h"
 #include "KoviKit/foundation/Base64.h"
 #include "KoviKit/working/WorkingProtectionCoding.h"
+#include "KoviKit/working/WorkingRemoteDevice.h"
 #include "KoviKit/working/WorkingRulesHash.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/working/WorkingTestData.h"
@@ -73,7 +74,6 @@ TEST(WorkingProtectionRecordsTest, WindowsFailingTheirChecksAreRefusedAsInvalidW
       {"session with a space", [](WorkingProtectionWindow& w) { w.sessionID = "s 1"; }, "invalid session identifier"},
       {"uppercase hash", [](WorkingProtectionWindow& w) { w.rulesHash = std::string(64, 'A'); },
        "rules hash is not a SHA-256 hex digest"},
-      {"short hash", [](WorkingProtectionWindow& w) { w.rulesHash.pop_back(); }, "rules hash is not a SHA-256 hex digest"},
       {"empty span", [](WorkingProtectionWindow& w) { w.endsAt = w.startsAt; }, "window does not run forward"},
       {"negative start", [](WorkingProtectionWindow& w) { w.startsAt = -1; }, "window does not run forward"},
       {"366 days and a millisecond", [](WorkingProtectionWindow& w) { w.endsAt = w.startsAt + 31'622'400'001; },
@@ -90,6 +90,19 @@ TEST(WorkingProtectionRecordsTest, WindowsFailingTheirChecksAreRefusedAsInvalidW
     ASSERT_FALSE(decoded.has_value());
     EXPECT_EQ(decoded.error().message(), std::string("InvalidWindow: ") + refused.reason);
   }
+}
+
+// One capability record with one field list: a signed proof refuses a flag
+// it does not know, a service answer ignores it and keeps the rest.
+TEST(WorkingProtectionRecordsTest, CapabilitiesAreStrictInProofsAndLenientInAnswers) {
+  const std::string flags = R"({"activity":true,"appBlocking":false,"websiteBlocking":true,"iphoneShield":false,)"
+                            R"("accessibility":true,"screenTime":true})";
+  EXPECT_EQ(decodeJsonText<WorkingDeviceCapabilities>(flags).error().message(), "screenTime: unknown key");
+  const auto reported = decodeJsonText<WorkingRemoteDevice::Capabilities>(flags);
+  ASSERT_TRUE(reported.has_value()) << reported.error().message();
+  const WorkingDeviceCapabilities& read = *reported;
+  EXPECT_EQ(read, (WorkingDeviceCapabilities{true, false, true, false, true}));
+  EXPECT_EQ(encodeRecord(*reported).dump(), encodeRecord(read).dump());
 }
 
 TEST(WorkingProtectionRecordsTest, FencesAdmitOnlyNewerRevisionsAndTheirOwnSession) {

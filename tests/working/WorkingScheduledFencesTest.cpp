@@ -54,7 +54,6 @@ TEST_P(StartFenceFireTest, FiresOnlyArmedForTheCurrentEpochsInsideTheWindow) {
 INSTANTIATE_TEST_SUITE_P(
     Bounds, StartFenceFireTest,
     ::testing::Values(FireCase{"idle", Fence::State::idle, kStart, 4, 9, Failure::notArmed},
-                      FireCase{"cancelled", Fence::State::cancelled, kStart, 4, 9, Failure::notArmed},
                       FireCase{"fired", Fence::State::fired, kStart, 4, 9, Failure::alreadyFired},
                       // The state is checked before anything else.
                       FireCase{"firedStaleEarly", Fence::State::fired, kStart - 1, 3, 8, Failure::alreadyFired},

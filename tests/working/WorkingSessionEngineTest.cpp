@@ -100,13 +100,12 @@ TEST(WorkingSessionEngineTest, ClassifiesTimeByTheRulesOfEachState) {
       {"a blocking violation counts as violation", unchanged,
        {startEvent(0), sessionEvent(10'000, Type::violation), sessionEvent(40'000, Type::tick)}, State::suspended,
        Reason::blockingViolation, {.active = 10'000, .violation = 30'000}},
-      {"a hand-off suspends", unchanged, {startEvent(0), sessionEvent(10'000, Type::handoff), sessionEvent(20'000, Type::tick)},
-       State::suspended, Reason::handoff, {.active = 10'000, .unverified = 10'000}},
-      {"a failed checkpoint write suspends", unchanged,
-       {startEvent(0), sessionEvent(10'000, Type::persistenceFailure), sessionEvent(20'000, Type::tick)},
-       State::suspended, Reason::persistenceFailure, {.active = 10'000, .unverified = 10'000}},
       {"a manual break ends by the resume rule", unchanged,
        concat({{startEvent(0), sessionEvent(10'000, Type::manualBreak)}, activityAt({11'000, 13'000, 15'000, 16'000}),
+               {sessionEvent(20'000, Type::tick)}}),
+       State::active, std::nullopt, {.active = 14'000, .breaks = 6'000}},
+      {"a remote break is break time and ends by the resume rule", unchanged,
+       concat({{startEvent(0), sessionEvent(10'000, Type::remoteBreak)}, activityAt({11'000, 13'000, 15'000, 16'000}),
                {sessionEvent(20'000, Type::tick)}}),
        State::active, std::nullopt, {.active = 14'000, .breaks = 6'000}},
       {"offline time is provisional for 90 s after the last verified state, then unverified", unchanged,
@@ -303,6 +302,13 @@ TEST(WorkingSessionEngineTest, ExplainsWhyTheCurrentTimeIsExcluded) {
       {{startEvent(0), sessionEvent(1'000, Type::handoff)},
        "Mac değişimi sırasındaki doğrulanamayan aralık çalışma sayılmadı."},
       {{startEvent(0), sessionEvent(1'000, Type::violation)}, "Odak koşullarının sağlanmadığı süre çalışma sayılmadı."},
+      {{startEvent(0), sessionEvent(1'000, Type::persistenceFailure)},
+       "Oturum kayıtlarının tutarlılığı doğrulanamadı; bu kayıttan çalışma süresi kabul edilmedi."},
+      {{startEvent(0), sessionEvent(1'000, Type::remoteBreak)},
+       "Uzaktan mola komutunun etkilediği süre çalışma sayılmadı."},
+      // The user's own break, even when asked for during a remote one, is not the command's.
+      {{startEvent(0), sessionEvent(1'000, Type::remoteBreak), sessionEvent(2'000, Type::manualBreak)},
+       "Odak koşullarının sağlanmadığı süre çalışma sayılmadı."},
   };
   for (const auto& expected : cases) {
     EXPECT_EQ(workingExclusionReason(run(sessionTestPolicy(), expected.events)), expected.reason);

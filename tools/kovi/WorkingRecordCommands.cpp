@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "KoviKit/foundation/Json.h"
-#include "KoviKit/working/WorkingCheckpointChain.h"
+#include "KoviKit/working/WorkingCheckpointSignature.h"
 #include "KoviKit/working/WorkingSessionJournalStore.h"
 #include "KoviKit/working/WorkingWireRecords.h"
 #include "tools/kovi/Commands.h"
@@ -33,10 +33,10 @@ std::optional<std::string> readOrReport(const std::string& path, int status) {
   return std::move(*text);
 }
 
-// A checkpoint document, read with repeated keys refused: the hash must
+// A checkpoint document or key, read with repeated keys refused: the hash must
 // cover the only reading of the file. Undecodable input ends with 2.
 template <class T>
-std::optional<T> decodeCheckpoints(const std::string& path) {
+std::optional<T> decodeDocument(const std::string& path) {
   const auto text = readOrReport(path, 2);
   if (!text) return std::nullopt;
   auto decoded = decodeJsonText<T>(*text);
@@ -57,22 +57,40 @@ void addCheckpointsCommands(CLI::App& working) {
   CLI::App* checkpoints = working.add_subcommand("checkpoints", "Check a session's hash-chained checkpoints");
   checkpoints->require_subcommand(1);
 
-  auto verifyFile = std::make_shared<std::string>();
+  struct VerifyOptions {
+    std::string file;
+    std::string deviceKey;
+  };
+  auto verifyOptions = std::make_shared<VerifyOptions>();
   CLI::App* verify = checkpoints->add_subcommand(
       "verify",
       "Verify FILE, a JSON array of one session's checkpoints in any order, and print\n"
       "  {\"status\", \"message\", \"acceptedMS\", \"through\", \"brokenAt\"}\n"
       "status is verified (consistent and final), pending (consistent, the final checkpoint\n"
-      "has not arrived), inconsistent (a broken link: no time is accepted) or none (no\n"
-      "checkpoint); message is the Turkish text for it; acceptedMS the active time of a\n"
-      "verified or pending chain (else 0); through the end of its last segment; brokenAt\n"
+      "has not arrived), inconsistent (a broken link: no time is accepted), none (no\n"
+      "checkpoint) or, with --device-key, unverifiable (a checkpoint not signed by that key:\n"
+      "no time is accepted); message is the Turkish text for it; acceptedMS the active time\n"
+      "of a verified or pending chain (else 0); through the end of its last segment; brokenAt\n"
       "the sequence of the first checkpoint that does not fit (its reason goes to stderr).\n"
-      "Exit 0 for verified or pending, 1 for inconsistent or none, 2 for unreadable input.");
-  verify->add_option("FILE", *verifyFile, "The checkpoints JSON file, or - for standard input")->required();
-  verify->callback([verifyFile] {
-    const auto chain = decodeCheckpoints<std::vector<WorkingCheckpoint>>(*verifyFile);
-    if (!chain) return;
-    const auto report = verifyWorkingCheckpointChain(*chain);
+      "Exit 0 for verified or pending, 1 otherwise, 2 for unreadable input.");
+  verify->add_option("FILE", verifyOptions->file, "The checkpoints JSON file, or - for standard input")->required();
+  verify->add_option("--device-key", verifyOptions->deviceKey,
+                     "The Mac's checkpoint key, {\"deviceID\", \"appIdentity\", \"publicKey\": base64 DER\n"
+                     "SubjectPublicKeyInfo}: FILE then holds signed checkpoints {\"checkpoint\", \"signature\"}\n"
+                     "and every signature is checked");
+  verify->callback([verifyOptions] {
+    WorkingCheckpointChainReport report;
+    if (verifyOptions->deviceKey.empty()) {
+      const auto chain = decodeDocument<std::vector<WorkingCheckpoint>>(verifyOptions->file);
+      if (!chain) return;
+      report = verifyWorkingCheckpointChain(*chain);
+    } else {
+      const auto key = decodeDocument<WorkingCheckpointKey>(verifyOptions->deviceKey);
+      if (!key) return;
+      const auto chain = decodeDocument<std::vector<WorkingSignedCheckpoint>>(verifyOptions->file);
+      if (!chain) return;
+      report = verifySignedWorkingCheckpointChain(*chain, *key);
+    }
     if (!report.reason.empty()) std::cerr << "kovi: " << report.reason << '\n';
     std::cout << Json{{"status", report.status},
                       {"message", report.message},
@@ -94,7 +112,7 @@ void addCheckpointsCommands(CLI::App& working) {
       "previousHash must name.");
   hash->add_option("FILE", *hashFile, "The checkpoint JSON file, or - for standard input")->required();
   hash->callback([hashFile] {
-    if (const auto checkpoint = decodeCheckpoints<WorkingCheckpoint>(*hashFile)) {
+    if (const auto checkpoint = decodeDocument<WorkingCheckpoint>(*hashFile)) {
       std::cout << workingCheckpointHash(*checkpoint) << '\n';
     }
   });

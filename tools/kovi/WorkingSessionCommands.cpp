@@ -50,7 +50,7 @@ void addReplayCommand(CLI::App& session) {
       "FILE: {\"rules\": <rule set> | \"policy\": <session policy>, \"sessionID\", \"deviceID\",\n"
       "\"events\": [{\"at\": <Unix ms>, \"type\": \"start\", \"readiness\": {seven flags}}, ...]}.\n"
       "Event types: start, readiness, activity, tick, sleep, wake, lock, unlock, displaySleep,\n"
-      "displayWake, manualBreak, resume, passive (eligible, continuityToken), transport (state),\n"
+      "displayWake, manualBreak, remoteBreak (a break a remote command imposed), resume, passive (eligible, continuityToken), transport (state),\n"
       "restart, persistenceFailure, handoff, violation, complete. A refused event does not stop the\n"
       "replay. Exit 0 when it ran; 2 when FILE does not decode (the key path and why are printed).");
   command->add_option("FILE", *file, "The recorded session as JSON, or - for standard input")->required();

@@ -4,7 +4,6 @@
 #include <expected>
 #include <filesystem>
 #include <mutex>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,40 +11,41 @@
 
 #include "KoviKit/foundation/ApplicationSupport.h"
 #include "KoviKit/foundation/Json.h"
+#include "KoviKit/working/WorkingScheduledArmRecord.h"
 #include "KoviKit/working/WorkingScheduledStoreError.h"
 
 namespace kovi {
 
-// The files of the scheduled-arm store: one file per chain binding under
+// The Mac's armed scheduled starts: one file per chain binding under
 // "Kovi/ScheduledArms", named after the binding with its colon as a dash
-// ("0x…-42.json"), holding
+// ("0x…-42.json"), holding a WorkingScheduledArmFile
 //
-//   {"version": 1, "chainBinding": "0x…:42", "record": {…}}
+//   {"version": 1, "chainBinding": "0x…:42", "record": {"room", "session", "closed"}}
 //
 // Every write replaces the file atomically (temporary file, flush, rename), so
 // a crash or a kill leaves the previous record or the new one. A file that
-// does not decode, names another binding or carries another version is
-// reported as corrupt and never overwritten or removed by the store.
-class WorkingScheduledArmFiles {
+// does not decode as that record, names another binding or carries another
+// version is reported as corrupt and never overwritten or removed by the store.
+class WorkingScheduledArmStore {
  public:
-  static constexpr int kVersion = 1;
   static constexpr std::size_t kMaximumFileBytes = 4 * 1024 * 1024;
 
   // One file found by `list`: its binding and its record, or why it is unusable.
   struct Entry {
     std::string chainBinding;
-    std::expected<nlohmann::json, WorkingScheduledStoreError> record;
+    std::expected<WorkingScheduledArmRecord, WorkingScheduledStoreError> record;
   };
 
-  explicit WorkingScheduledArmFiles(const std::filesystem::path& applicationSupport = applicationSupportDirectory());
+  explicit WorkingScheduledArmStore(const std::filesystem::path& applicationSupport = applicationSupportDirectory());
 
   const std::filesystem::path& directory() const { return directory_; }
   std::filesystem::path fileFor(std::string_view chainBinding) const;
 
   // The record saved for `chainBinding`, absent when there is none.
-  std::expected<std::optional<nlohmann::json>, WorkingScheduledStoreError> load(std::string_view chainBinding) const;
-  std::expected<void, WorkingScheduledStoreError> save(std::string_view chainBinding,
-                                                       const nlohmann::ordered_json& record);
+  std::expected<std::optional<WorkingScheduledArmRecord>, WorkingScheduledStoreError> load(
+      std::string_view chainBinding) const;
+  // Saves `record` under its room's chain binding (`invalidKey` when it has none).
+  std::expected<void, WorkingScheduledStoreError> save(const WorkingScheduledArmRecord& record);
   // Removes a record that decodes; a corrupt file is left in place.
   std::expected<void, WorkingScheduledStoreError> remove(std::string_view chainBinding);
   // Every record file in the directory, by binding; other files (temporary
@@ -54,7 +54,7 @@ class WorkingScheduledArmFiles {
   std::expected<std::vector<Entry>, WorkingScheduledStoreError> list() const;
 
  private:
-  std::expected<std::optional<nlohmann::json>, WorkingScheduledStoreError> loadUnlocked(
+  std::expected<std::optional<WorkingScheduledArmRecord>, WorkingScheduledStoreError> loadUnlocked(
       std::string_view chainBinding) const;
 
   std::filesystem::path directory_;
@@ -63,6 +63,6 @@ class WorkingScheduledArmFiles {
 
 // The record inside the text of an arm file that should hold `chainBinding`;
 // the error says where and why it does not.
-Decoded<nlohmann::json> decodeWorkingScheduledArmFile(std::string_view text, std::string_view chainBinding);
+Decoded<WorkingScheduledArmRecord> decodeWorkingScheduledArmFile(std::string_view text, std::string_view chainBinding);
 
 }  // namespace kovi

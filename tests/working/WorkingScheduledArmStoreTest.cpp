@@ -5,13 +5,15 @@
 
 #include <chrono>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <string>
 #include <thread>
 
 #include "KoviKit/working/WorkingChainBinding.h"
-#include "KoviKit/working/WorkingScheduledArmFiles.h"
+#include "KoviKit/working/WorkingScheduledArmStore.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/working/WorkingTestData.h"
 
 namespace kovi {
 namespace {
@@ -20,6 +22,22 @@ using Kind = WorkingScheduledStoreError::Kind;
 
 const std::string kAddress = "0x" + std::string(40, 'a');
 const std::string kBinding = kAddress + ":42";
+
+// The room and session of the wire samples, the room bound to `address:koviId`.
+WorkingScheduledArmRecord armRecord(const std::string& address = kAddress, const std::string& koviId = "42") {
+  WorkingScheduledArmRecord record{
+      decodeJsonText<WorkingRemoteRoom>(testing::workingDataFile("wire/room.json")).value(),
+      decodeJsonText<WorkingRemoteSession>(testing::workingDataFile("wire/session.json")).value(), false};
+  record.room.chain = WorkingRemoteRoom::ChainBinding{address, koviId};
+  return record;
+}
+
+// An arm file's text for `record`, with `edit` applied to its JSON.
+std::string armFileText(const std::function<void(nlohmann::ordered_json&)>& edit) {
+  auto document = encodeRecord(WorkingScheduledArmFile{1, kBinding, armRecord()});
+  edit(document);
+  return document.dump();
+}
 
 struct BindingCase {
   std::string text;
@@ -42,37 +60,42 @@ INSTANTIATE_TEST_SUITE_P(Forms, ChainBindingTest,
                                            BindingCase{kAddress + ":1\n", false},
                                            BindingCase{"../" + kAddress + ":1", false}));
 
-class ScheduledArmFilesTest : public ::testing::Test {
+class ScheduledArmStoreTest : public ::testing::Test {
  protected:
   testing::TemporaryDirectory directory;
-  WorkingScheduledArmFiles files{directory.path()};
+  WorkingScheduledArmStore files{directory.path()};
 };
 
-TEST_F(ScheduledArmFilesTest, SavesLoadsListsAndRemovesOneFilePerBinding) {
+TEST_F(ScheduledArmStoreTest, SavesLoadsListsAndRemovesOneFilePerBinding) {
   EXPECT_EQ(files.load(kBinding).value(), std::nullopt);
   EXPECT_EQ(files.list()->size(), 0u) << "no directory yet is an empty store";
-  ASSERT_TRUE(files.save(kBinding, {{"closed", false}}).has_value());
-  const std::string other = "0x" + std::string(40, 'b') + ":7";
-  ASSERT_TRUE(files.save(other, {{"closed", true}}).has_value());
+  const WorkingScheduledArmRecord open = armRecord();
+  WorkingScheduledArmRecord closed = armRecord("0x" + std::string(40, 'b'), "7");
+  closed.closed = true;
+  ASSERT_TRUE(files.save(open).has_value());
+  ASSERT_TRUE(files.save(closed).has_value());
 
   EXPECT_EQ(files.fileFor(kBinding), directory.path() / "Kovi" / "ScheduledArms" / (kAddress + "-42.json"));
-  EXPECT_EQ(files.load(kBinding).value(), nlohmann::json({{"closed", false}}));
+  EXPECT_EQ(files.load(kBinding).value(), open);
   const auto all = files.list();
   ASSERT_TRUE(all.has_value());
   ASSERT_EQ(all->size(), 2u);
   EXPECT_EQ((*all)[0].chainBinding, kBinding);
-  EXPECT_EQ((*all)[1].record.value(), nlohmann::json({{"closed", true}}));
+  EXPECT_EQ((*all)[1].record.value(), closed);
 
   ASSERT_TRUE(files.remove(kBinding).has_value());
   EXPECT_EQ(files.load(kBinding).value(), std::nullopt);
   EXPECT_EQ(files.list()->size(), 1u);
 }
 
-TEST_F(ScheduledArmFilesTest, RefusesBindingsThatCouldNameAnotherFile) {
+TEST_F(ScheduledArmStoreTest, RefusesBindingsThatCouldNameAnotherFile) {
   for (const std::string& binding : {std::string("../../etc/passwd"), kAddress + ":0", std::string()}) {
-    EXPECT_EQ(files.save(binding, nlohmann::json::object()).error().kind, Kind::invalidKey);
     EXPECT_EQ(files.load(binding).error().kind, Kind::invalidKey);
   }
+  WorkingScheduledArmRecord unbound = armRecord();
+  unbound.room.chain.reset();
+  EXPECT_EQ(files.save(unbound).error().kind, Kind::invalidKey);
+  EXPECT_EQ(files.save(armRecord("../../etc/passwd", "1")).error().kind, Kind::invalidKey);
   EXPECT_FALSE(std::filesystem::exists(files.directory()));
 }
 
@@ -82,7 +105,7 @@ struct CorruptCase {
   std::string reason;
 };
 
-class ScheduledArmCorruptFileTest : public ScheduledArmFilesTest, public ::testing::WithParamInterface<CorruptCase> {};
+class ScheduledArmCorruptFileTest : public ScheduledArmStoreTest, public ::testing::WithParamInterface<CorruptCase> {};
 
 TEST_P(ScheduledArmCorruptFileTest, IsReportedKeptAndNeverOverwritten) {
   const auto path = directory.write("Kovi/ScheduledArms/" + kAddress + "-42.json", GetParam().text);
@@ -91,7 +114,7 @@ TEST_P(ScheduledArmCorruptFileTest, IsReportedKeptAndNeverOverwritten) {
   EXPECT_EQ(loaded.error().kind, Kind::corrupt);
   EXPECT_EQ(loaded.error().message, path.string() + ": " + GetParam().reason);
 
-  EXPECT_EQ(files.save(kBinding, nlohmann::json::object()).error().kind, Kind::corrupt);
+  EXPECT_EQ(files.save(armRecord()).error().kind, Kind::corrupt);
   EXPECT_EQ(files.remove(kBinding).error().kind, Kind::corrupt);
   const auto listed = files.list();
   ASSERT_TRUE(listed.has_value());
@@ -107,11 +130,21 @@ INSTANTIATE_TEST_SUITE_P(
         CorruptCase{"torn", R"({"version":1,"chainBinding":")", "not valid JSON at line 1, column 30: syntax error while parsing value - invalid string: missing "
                                                              "closing quote; last read: '\"'"},
         CorruptCase{"newerVersion", R"({"version":2,"chainBinding":"x","record":{}})", "version: unsupported version 2"},
-        CorruptCase{"anotherBinding", R"({"version":1,"chainBinding":"0x1:1","record":{}})",
+        CorruptCase{"anotherBinding", armFileText([](auto& file) {
+                      file["chainBinding"] = "0x" + std::string(40, 'b') + ":42";
+                      file["record"]["room"]["chain"]["registryAddress"] = "0x" + std::string(40, 'b');
+                    }),
                     "chainBinding: names another binding"},
+        CorruptCase{"roomOfAnotherBinding", armFileText([](auto& file) { file["record"]["room"]["chain"]["koviId"] = "43"; }),
+                    "chainBinding: not the binding of the record's room"},
+        CorruptCase{"roomWithoutBinding", armFileText([](auto& file) { file["record"]["room"].erase("chain"); }),
+                    "record.room.chain: a scheduled arm needs the room's chain binding, 0x<40 lowercase hex>:<kovi id "
+                    "without leading zero>"},
         CorruptCase{"repeatedKey", R"({"version":1,"version":1})", "version: duplicate key"},
-        CorruptCase{"recordNotObject", R"({"version":1,"chainBinding":")" + kBinding + R"(","record":[]})",
-                    "record: expected an object, found an array"},
+        CorruptCase{"recordNotAnArm", R"({"version":1,"chainBinding":")" + kBinding + R"(","record":{"closed":true}})",
+                    "record.room: missing key"},
+        CorruptCase{"sessionNotASession", armFileText([](auto& file) { file["record"]["session"]["epoch"] = "3"; }),
+                    "record.session.epoch: expected an integer, found a string"},
         CorruptCase{"unknownKey", R"({"version":1,"extra":true})", "extra: unknown key"}),
     [](const auto& info) { return std::string(info.param.name); });
 
@@ -119,16 +152,18 @@ INSTANTIATE_TEST_SUITE_P(
 // was writing, never a torn file: a child rewrites one binding in a loop with
 // records large enough that a write takes many system calls, and is killed
 // with SIGKILL mid-flight.
-TEST_F(ScheduledArmFilesTest, SurvivesAWriterKilledMidWrite) {
-  ASSERT_TRUE(files.save(kBinding, {{"round", -1}, {"padding", ""}}).has_value());
-  const std::string padding(512 * 1024, 'p');
+TEST_F(ScheduledArmStoreTest, SurvivesAWriterKilledMidWrite) {
+  ASSERT_TRUE(files.save(armRecord()).has_value());
+  WorkingScheduledArmRecord large = armRecord();
+  large.room.title = std::string(512 * 1024, 'p');
   for (int attempt = 0; attempt < 5; ++attempt) {
     const pid_t child = ::fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-      WorkingScheduledArmFiles writer(directory.path());
+      WorkingScheduledArmStore writer(directory.path());
       for (int round = 0;; ++round) {
-        if (!writer.save(kBinding, {{"round", round}, {"padding", padding}})) ::_exit(3);
+        large.session.sequence = round;
+        if (!writer.save(large)) ::_exit(3);
       }
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(40 + 37 * attempt));
@@ -140,7 +175,7 @@ TEST_F(ScheduledArmFilesTest, SurvivesAWriterKilledMidWrite) {
     const auto loaded = files.load(kBinding);
     ASSERT_TRUE(loaded.has_value()) << loaded.error().message;
     ASSERT_TRUE(loaded->has_value());
-    EXPECT_TRUE((**loaded)["round"].is_number_integer());
+    EXPECT_EQ((*loaded)->session.id, large.session.id);
     // Temporary files a killed write leaves behind are not records.
     const auto listed = files.list();
     ASSERT_TRUE(listed.has_value());

@@ -1,4 +1,4 @@
-#include "KoviKit/working/WorkingScheduledArmFiles.h"
+#include "KoviKit/working/WorkingScheduledArmStore.h"
 
 #include <algorithm>
 #include <system_error>
@@ -34,46 +34,43 @@ std::optional<std::string> bindingFromFileName(const std::string& name) {
 
 }  // namespace
 
-Decoded<nlohmann::json> decodeWorkingScheduledArmFile(std::string_view text, std::string_view chainBinding) {
-  // The arm file is hashed by nobody, but a repeated key would still let two
-  // readers disagree on which session was armed; it is refused the same way.
+Decoded<WorkingScheduledArmRecord> decodeWorkingScheduledArmFile(std::string_view text, std::string_view chainBinding) {
+  // Nobody hashes an arm file, but a repeated key would still let two readers
+  // disagree on which session was armed; the strict parser refuses it.
   auto document = parseJson(text);
   if (!document) return std::unexpected(document.error());
   const JsonView root(*document);
-  if (auto keys = root.requireOnlyKeys({"version", "chainBinding", "record"}); !keys) {
-    return std::unexpected(keys.error());
+  // A file of another version is named as such before its shape is judged.
+  if (root.json().is_object() && root.contains("version")) {
+    auto version = root.get<std::int64_t>("version");
+    if (!version) return std::unexpected(version.error());
+    if (*version != WorkingScheduledArmFile::kVersion) {
+      return std::unexpected(DecodeError{"version", "unsupported version " + std::to_string(*version)});
+    }
   }
-  auto version = root.get<std::int64_t>("version");
-  if (!version) return std::unexpected(version.error());
-  if (*version != WorkingScheduledArmFiles::kVersion) {
-    return std::unexpected(DecodeError{"version", "unsupported version " + std::to_string(*version)});
-  }
-  auto binding = root.get<std::string>("chainBinding");
-  if (!binding) return std::unexpected(binding.error());
-  if (*binding != chainBinding) return std::unexpected(DecodeError{"chainBinding", "names another binding"});
-  auto record = root.member("record");
-  if (!record) return std::unexpected(record.error());
-  if (auto object = record->requireObject(); !object) return std::unexpected(object.error());
-  return record->json();
+  auto file = decodeRecord<WorkingScheduledArmFile>(root);
+  if (!file) return std::unexpected(file.error());
+  if (file->chainBinding != chainBinding) return std::unexpected(DecodeError{"chainBinding", "names another binding"});
+  return std::move(file->record);
 }
 
-WorkingScheduledArmFiles::WorkingScheduledArmFiles(const std::filesystem::path& applicationSupport)
+WorkingScheduledArmStore::WorkingScheduledArmStore(const std::filesystem::path& applicationSupport)
     : directory_(applicationSupport / "Kovi" / "ScheduledArms") {}
 
-std::filesystem::path WorkingScheduledArmFiles::fileFor(std::string_view chainBinding) const {
+std::filesystem::path WorkingScheduledArmStore::fileFor(std::string_view chainBinding) const {
   std::string name(chainBinding);
   std::replace(name.begin(), name.end(), ':', '-');
   return directory_ / (name + std::string(kExtension));
 }
 
-std::expected<std::optional<nlohmann::json>, StoreError> WorkingScheduledArmFiles::loadUnlocked(
+std::expected<std::optional<WorkingScheduledArmRecord>, StoreError> WorkingScheduledArmStore::loadUnlocked(
     std::string_view chainBinding) const {
   if (!isWorkingChainBinding(chainBinding)) return std::unexpected(invalidBinding(chainBinding));
   const std::filesystem::path path = fileFor(chainBinding);
   const auto text = readFileLimited(path, kMaximumFileBytes);
   if (!text) {
     switch (text.error().failure) {
-      case FileReadFailure::missing: return std::optional<nlohmann::json>{};
+      case FileReadFailure::missing: return std::optional<WorkingScheduledArmRecord>{};
       case FileReadFailure::tooLarge:
         return std::unexpected(StoreError{StoreError::Kind::corrupt, path.string() + ": larger than " +
                                                                          std::to_string(kMaximumFileBytes) + " bytes"});
@@ -85,31 +82,31 @@ std::expected<std::optional<nlohmann::json>, StoreError> WorkingScheduledArmFile
   if (!record) {
     return std::unexpected(StoreError{StoreError::Kind::corrupt, path.string() + ": " + record.error().message()});
   }
-  return std::optional<nlohmann::json>(std::move(*record));
+  return std::optional<WorkingScheduledArmRecord>(std::move(*record));
 }
 
-std::expected<std::optional<nlohmann::json>, StoreError> WorkingScheduledArmFiles::load(
+std::expected<std::optional<WorkingScheduledArmRecord>, StoreError> WorkingScheduledArmStore::load(
     std::string_view chainBinding) const {
   std::lock_guard lock(mutex_);
   return loadUnlocked(chainBinding);
 }
 
-std::expected<void, StoreError> WorkingScheduledArmFiles::save(std::string_view chainBinding,
-                                                               const nlohmann::ordered_json& record) {
-  if (!isWorkingChainBinding(chainBinding)) return std::unexpected(invalidBinding(chainBinding));
+std::expected<void, StoreError> WorkingScheduledArmStore::save(const WorkingScheduledArmRecord& record) {
+  const auto chainBinding = record.chainBinding();
+  if (!chainBinding) {
+    return std::unexpected(StoreError{StoreError::Kind::invalidKey,
+                                      "the record's room has no chain binding 0x<40 hex>:<kovi id>"});
+  }
   std::lock_guard lock(mutex_);
   // A corrupt file is evidence of what went wrong; it is not replaced.
-  if (auto existing = loadUnlocked(chainBinding); !existing) return std::unexpected(existing.error());
-  nlohmann::ordered_json document = nlohmann::ordered_json::object();
-  document["version"] = kVersion;
-  document["chainBinding"] = std::string(chainBinding);
-  document["record"] = record;
-  const auto written = writeFileAtomically(fileFor(chainBinding), document.dump());
+  if (auto existing = loadUnlocked(*chainBinding); !existing) return std::unexpected(existing.error());
+  const auto text = encodeRecord(WorkingScheduledArmFile{WorkingScheduledArmFile::kVersion, *chainBinding, record}).dump();
+  const auto written = writeFileAtomically(fileFor(*chainBinding), text);
   if (!written) return std::unexpected(StoreError{StoreError::Kind::unwritable, written.error()});
   return {};
 }
 
-std::expected<void, StoreError> WorkingScheduledArmFiles::remove(std::string_view chainBinding) {
+std::expected<void, StoreError> WorkingScheduledArmStore::remove(std::string_view chainBinding) {
   std::lock_guard lock(mutex_);
   const auto existing = loadUnlocked(chainBinding);
   if (!existing) return std::unexpected(existing.error());
@@ -123,7 +120,7 @@ std::expected<void, StoreError> WorkingScheduledArmFiles::remove(std::string_vie
   return {};
 }
 
-std::expected<std::vector<WorkingScheduledArmFiles::Entry>, StoreError> WorkingScheduledArmFiles::list() const {
+std::expected<std::vector<WorkingScheduledArmStore::Entry>, StoreError> WorkingScheduledArmStore::list() const {
   std::lock_guard lock(mutex_);
   std::vector<Entry> entries;
   std::error_code error;
@@ -139,7 +136,7 @@ std::expected<std::vector<WorkingScheduledArmFiles::Entry>, StoreError> WorkingS
     if (!binding) continue;
     auto record = loadUnlocked(*binding);
     if (record && !*record) continue;  // removed since the directory was read
-    using Loaded = std::expected<nlohmann::json, StoreError>;
+    using Loaded = std::expected<WorkingScheduledArmRecord, StoreError>;
     entries.push_back(Entry{*binding, record ? Loaded(std::move(**record)) : Loaded(std::unexpected(record.error()))});
   }
   if (error) return std::unexpected(StoreError{StoreError::Kind::unreadable, directory_.string() + ": " + error.message()});
