@@ -35,13 +35,7 @@ std::string json(const std::vector<WorkingCheckpoint>& checkpoints) {
   return encodeValue(checkpoints).dump();
 }
 
-struct VerifyCase {
-  std::string name;
-  std::string file;
-  int exitStatus;
-  std::string out;
-  std::string errPart;
-};
+struct VerifyCase { std::string name; std::string file; int exitStatus; std::string out; std::string errPart; };
 
 TEST(KoviWorkingCommandTest, VerifyPrintsTheChainsVerdict) {
   auto reordered = chain(true);

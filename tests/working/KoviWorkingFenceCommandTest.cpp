@@ -20,60 +20,47 @@ constexpr const char* kArmedFence =
     R"("startsAt":1000,"lateDeadline":2000},"ownerEpoch":4,"refreshEpoch":9,"armGeneration":1,)"
     R"("firedAt":null,"receipt":null})";
 
-struct FireCase {
-  const char* name;
-  std::string fence;
-  std::vector<std::string> options;
-  int exitStatus;
-  std::string result;  // "published", a failure reason, or empty for a usage error
-  friend void PrintTo(const FireCase& example, std::ostream* out) { *out << example.name; }
-};
-
-class FenceFireCommandTest : public ::testing::TestWithParam<FireCase> {
- protected:
-  testing::TemporaryDirectory directory;
-};
-
-TEST_P(FenceFireCommandTest, PrintsTheOutcomeAndTheFence) {
-  const auto file = directory.write("fence.json", GetParam().fence);
-  std::vector<std::string> arguments{"working", "fence", "fire", file.string()};
-  arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
-  const auto run = runKovi(arguments);
-  ASSERT_EQ(run.exitStatus, GetParam().exitStatus) << run.out << run.err;
-  if (GetParam().result.empty()) {
-    EXPECT_EQ(run.out, "");
-    return;
+// The outcome and the fence on stdout: "published" with the fired fence, a
+// refusal's reason with the fence as it was; no output on a usage error or a
+// fence file that does not decode, which is named with its key path.
+TEST(FenceFireCommandTest, PrintsTheOutcomeAndTheFence) {
+  const testing::TemporaryDirectory directory;
+  const std::vector<std::string> epochs{"--owner-epoch", "4", "--refresh-epoch", "9"};
+  const struct {
+    std::string fence, now;
+    std::vector<std::string> options;
+    int exitStatus;
+    std::string result;  // "published", a refusal's reason, or the decoding error
+  } cases[] = {
+      {kArmedFence, "1500", epochs, 0, "published"},
+      {kArmedFence, "999", epochs, 1, "early"},
+      {kArmedFence, "1500", {"--owner-epoch", "4"}, 2, ""},
+      {R"({"state":"primed"})", "1", epochs, 2, "state: unknown value \"primed\""},
+  };
+  for (const auto& example : cases) {
+    SCOPED_TRACE(example.result);
+    const auto file = directory.write("fence.json", example.fence);
+    std::vector<std::string> arguments{"working", "fence", "fire", file.string(), "--now", example.now};
+    arguments.insert(arguments.end(), example.options.begin(), example.options.end());
+    const auto run = runKovi(arguments);
+    ASSERT_EQ(run.exitStatus, example.exitStatus) << run.out << run.err;
+    if (example.exitStatus == 2) {
+      EXPECT_EQ(run.out, "");
+      if (!example.result.empty()) { EXPECT_EQ(run.err, "kovi: " + file.string() + ": " + example.result + "\n"); }
+      continue;
+    }
+    const auto output = nlohmann::json::parse(run.out);
+    if (example.result == "published") {
+      EXPECT_EQ(output["result"], "published");
+      EXPECT_EQ(output["preparedAt"], 1500);
+      EXPECT_EQ(output["fence"]["state"], "fired");
+      EXPECT_EQ(output["fence"]["firedAt"], 1500);
+    } else {
+      EXPECT_EQ(output["result"], "failed");
+      EXPECT_EQ(output["reason"], example.result);
+      EXPECT_EQ(output["fence"], nlohmann::json::parse(example.fence)) << "a refused fire leaves the fence as it was";
+    }
   }
-  const auto output = nlohmann::json::parse(run.out);
-  const auto before = nlohmann::json::parse(GetParam().fence);
-  if (GetParam().result == "published") {
-    EXPECT_EQ(output["result"], "published");
-    EXPECT_EQ(output["preparedAt"], 1500);
-    EXPECT_EQ(output["fence"]["state"], "fired");
-    EXPECT_EQ(output["fence"]["firedAt"], 1500);
-  } else {
-    EXPECT_EQ(output["result"], "failed");
-    EXPECT_EQ(output["reason"], GetParam().result);
-    EXPECT_EQ(output["fence"], before) << "a refused fire leaves the fence as it was";
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Runs, FenceFireCommandTest,
-    ::testing::Values(
-        FireCase{"published", kArmedFence, {"--now", "1500", "--owner-epoch", "4", "--refresh-epoch", "9"}, 0,
-                 "published"},
-        FireCase{"early", kArmedFence, {"--now", "999", "--owner-epoch", "4", "--refresh-epoch", "9"}, 1, "early"},
-        FireCase{"missingEpoch", kArmedFence, {"--now", "1500", "--owner-epoch", "4"}, 2, ""}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST(FenceFireCommandErrorTest, NamesTheFileAndTheKeyPath) {
-  testing::TemporaryDirectory directory;
-  const auto file = directory.write("fence.json", R"({"state":"primed"})");
-  const auto run = runKovi({"working", "fence", "fire", file.string(), "--now", "1", "--owner-epoch", "1",
-                            "--refresh-epoch", "1"});
-  EXPECT_EQ(run.exitStatus, 2);
-  EXPECT_EQ(run.err, "kovi: " + file.string() + ": state: unknown value \"primed\"\n");
 }
 
 class LeaseCheckCommandTest : public ::testing::Test {

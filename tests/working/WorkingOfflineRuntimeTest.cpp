@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -7,9 +8,11 @@
 #include "KoviKit/attest/PurposeSigning.h"
 #include "KoviKit/attest/SoftwareDeviceKeyService.h"
 #include "KoviKit/foundation/Base64.h"
+#include "KoviKit/working/WorkingOfflineLeaseVerification.h"
 #include "KoviKit/working/WorkingOfflineProof.h"
 #include "KoviKit/working/WorkingOfflineRuntime.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/working/OfflineLeaseServer.h"
 
 namespace kovi {
 namespace {
@@ -46,74 +49,61 @@ WorkingClockReading after(std::int64_t elapsed, std::int64_t skew = 0) {
   return {kThrough + 2'000 + elapsed + skew, kMonotonic + elapsed};
 }
 
-struct ClockCase {
-  const char* name;
-  WorkingClockReading reading;
-  std::string boot;
-  std::optional<std::string> discontinuity;
-};
-
-class OfflineClockTest : public ::testing::TestWithParam<ClockCase> {};
-
-TEST_P(OfflineClockTest, NoticesRebootsAndClockJumps) {
-  WorkingOfflineRuntime runtime = installed();
-  ASSERT_TRUE(runtime.observe(after(10'000), kBoot).has_value());
-  const WorkingOfflineRuntime before = runtime;
-  const auto outcome = runtime.observe(GetParam().reading, GetParam().boot);
-  if (GetParam().discontinuity) {
-    ASSERT_FALSE(outcome.has_value());
-    EXPECT_EQ(outcome.error(), (WorkingOfflineError{Kind::clockDiscontinuity, *GetParam().discontinuity}));
-    EXPECT_EQ(runtime, before);
-  } else {
-    ASSERT_TRUE(outcome.has_value()) << outcome.error().detail;
-    EXPECT_EQ(runtime.lastWall, GetParam().reading.wall);
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Readings, OfflineClockTest,
-    ::testing::Values(ClockCase{"steady", after(20'000), kBoot, std::nullopt},
-                      ClockCase{"reboot", after(20'000), "1b2c3d4e-0000-4000-8000-000000000000", "bootID"},
-                      ClockCase{"monotonicBack", after(9'999), kBoot, "monotonic"},
-                      ClockCase{"wallAheadAtTolerance", after(20'000, 2'000), kBoot, std::nullopt},
-                      ClockCase{"wallAheadPastTolerance", after(20'000, 2'001), kBoot, "wall"},
-                      ClockCase{"wallBehindPastTolerance", after(20'000, -2'001), kBoot, "wall"},
-                      // Someone set the clock ten minutes ahead.
-                      ClockCase{"wallJump", after(20'000, 600'000), kBoot, "wall"},
-                      ClockCase{"extremeWall", {INT64_MIN, kMonotonic + 20'000}, kBoot, "wall"}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-struct CountCase {
-  const char* name;
-  UnixMillis workUntil;
-  std::int64_t maxSequence;
-  std::int64_t elapsed;
-  std::optional<WorkingOfflineError> refusal;
-};
-
-class OfflineCountingTest : public ::testing::TestWithParam<CountCase> {};
-
-TEST_P(OfflineCountingTest, StopsAtWorkUntilTheOfflineLimitAndMaxSequence) {
-  WorkingOfflineRuntime runtime = installed(lease(GetParam().workUntil, GetParam().maxSequence));
-  const auto outcome = runtime.mayCount(after(GetParam().elapsed), kBoot);
-  if (GetParam().refusal) {
-    ASSERT_FALSE(outcome.has_value());
-    EXPECT_EQ(outcome.error(), *GetParam().refusal);
-  } else {
-    EXPECT_TRUE(outcome.has_value()) << outcome.error().detail;
+TEST(OfflineRuntimeTest, NoticesRebootsAndClockJumps) {
+  const std::string reboot = "1b2c3d4e-0000-4000-8000-000000000000";
+  const struct {
+    const char* name;
+    WorkingClockReading reading;
+    std::string boot;
+    std::optional<std::string> refused;
+  } cases[] = {
+      {"steady", after(20'000), kBoot, std::nullopt},
+      {"reboot", after(20'000), reboot, "bootID"},
+      {"monotonic back", after(9'999), kBoot, "monotonic"},
+      {"wall ahead at tolerance", after(20'000, 2'000), kBoot, std::nullopt},
+      {"wall ahead past tolerance", after(20'000, 2'001), kBoot, "wall"},
+      {"wall behind past tolerance", after(20'000, -2'001), kBoot, "wall"},
+      {"clock set ten minutes ahead", after(20'000, 600'000), kBoot, "wall"},
+      {"extreme wall", {INT64_MIN, kMonotonic + 20'000}, kBoot, "wall"},
+  };
+  for (const auto& example : cases) {
+    SCOPED_TRACE(example.name);
+    WorkingOfflineRuntime runtime = installed();
+    ASSERT_TRUE(runtime.observe(after(10'000), kBoot).has_value());
+    const WorkingOfflineRuntime before = runtime;
+    const auto outcome = runtime.observe(example.reading, example.boot);
+    if (example.refused) {
+      ASSERT_FALSE(outcome.has_value());
+      EXPECT_EQ(outcome.error(), (WorkingOfflineError{Kind::clockDiscontinuity, *example.refused}));
+      EXPECT_EQ(runtime, before);
+    } else {
+      ASSERT_TRUE(outcome.has_value()) << outcome.error().detail;
+      EXPECT_EQ(runtime.lastWall, example.reading.wall);
+    }
   }
 }
 
 // Installed 2 s after the anchor, so the 90-second limit is 88 s after installation.
-INSTANTIATE_TEST_SUITE_P(
-    Bounds, OfflineCountingTest,
-    ::testing::Values(
-        CountCase{"beforeLimit", kThrough + 300'000, 20, 87'999, std::nullopt},
-        CountCase{"atLimit", kThrough + 300'000, 20, 88'000, WorkingOfflineError{Kind::expired, "offlineLimit"}},
-        CountCase{"beforeWorkUntil", kThrough + 30'000, 20, 27'999, std::nullopt},
-        CountCase{"atWorkUntil", kThrough + 30'000, 20, 28'000, WorkingOfflineError{Kind::expired, "workUntil"}},
-        CountCase{"sequencesUsedUp", kThrough + 300'000, 7, 1'000, WorkingOfflineError{Kind::unavailable, "maxSequence"}}),
-    [](const auto& info) { return std::string(info.param.name); });
+TEST(OfflineRuntimeTest, StopsAtWorkUntilTheOfflineLimitAndMaxSequence) {
+  const struct {
+    const char* name;
+    UnixMillis workUntil;
+    std::int64_t maxSequence, elapsed;
+    std::optional<WorkingOfflineError> refusal;
+  } cases[] = {
+      {"before limit", kThrough + 300'000, 20, 87'999, std::nullopt},
+      {"at limit", kThrough + 300'000, 20, 88'000, WorkingOfflineError{Kind::expired, "offlineLimit"}},
+      {"before workUntil", kThrough + 30'000, 20, 27'999, std::nullopt},
+      {"at workUntil", kThrough + 30'000, 20, 28'000, WorkingOfflineError{Kind::expired, "workUntil"}},
+      {"sequences used up", kThrough + 300'000, 7, 1'000, WorkingOfflineError{Kind::unavailable, "maxSequence"}},
+  };
+  for (const auto& example : cases) {
+    SCOPED_TRACE(example.name);
+    WorkingOfflineRuntime runtime = installed(lease(example.workUntil, example.maxSequence));
+    const auto outcome = runtime.mayCount(after(example.elapsed), kBoot);
+    EXPECT_EQ(outcome ? std::optional<WorkingOfflineError>() : outcome.error(), example.refusal);
+  }
+}
 
 TEST(OfflineRuntimeTest, WithoutALeaseNothingCounts) {
   WorkingOfflineRuntime runtime;
@@ -143,41 +133,29 @@ TEST(OfflineRuntimeTest, OfflineCheckpointsContinueTheChainFromTheLeasesAnchor) 
   EXPECT_TRUE(runtime.admitCheckpoint(second, after(60'000), kBoot).has_value());
 }
 
-struct CheckpointCase {
-  const char* name;
-  void (*change)(WorkingCheckpoint&);
-  WorkingOfflineError refusal;
-};
-
-class OfflineCheckpointRefusalTest : public ::testing::TestWithParam<CheckpointCase> {};
-
-TEST_P(OfflineCheckpointRefusalTest, RefusesAndKeepsTheHead) {
+TEST(OfflineRuntimeTest, RefusesCheckpointsOffTheChainAndKeepsTheHead) {
+  const struct { const char* name; void (*change)(WorkingCheckpoint&); WorkingOfflineError refusal; } cases[] = {
+      {"gap", [](auto& c) { c.sequence += 1; }, {Kind::checkpointChain, "sequence"}},
+      {"repeat", [](auto& c) { c.sequence -= 1; }, {Kind::checkpointChain, "sequence"}},
+      {"other head", [](auto& c) { c.previousHash = "x"; }, {Kind::checkpointChain, "previousHash"}},
+      {"other session", [](auto& c) { c.sessionID = "s2"; }, {Kind::checkpointChain, "sessionID"}},
+      {"other epoch", [](auto& c) { c.epoch = 4; }, {Kind::checkpointChain, "epoch"}},
+      {"before anchor", [](auto& c) { c.at = kThrough - 1; }, {Kind::checkpointChain, "at"}},
+      {"past limit", [](auto& c) { c.at = kThrough + 90'001; }, {Kind::expired, "at"}},
+      {"segment past limit", [](auto& c) { c.segments.back().end = kThrough + 90'001; }, {Kind::expired, "segments"}},
+  };
+  for (const auto& example : cases) {
+    SCOPED_TRACE(example.name);
+    WorkingOfflineRuntime runtime = installed();
+    WorkingCheckpoint checkpoint = continuing(runtime.head(), 30'000);
+    example.change(checkpoint);
+    const WorkingOfflineRuntime before = runtime;
+    EXPECT_EQ(runtime.admitCheckpoint(checkpoint, after(30'000), kBoot).error(), example.refusal);
+    EXPECT_EQ(runtime, before);
+  }
   WorkingOfflineRuntime runtime = installed();
-  WorkingCheckpoint checkpoint = continuing(runtime.head(), 30'000);
-  GetParam().change(checkpoint);
-  const WorkingOfflineRuntime before = runtime;
-  EXPECT_EQ(runtime.admitCheckpoint(checkpoint, after(30'000), kBoot).error(), GetParam().refusal);
-  EXPECT_EQ(runtime, before);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Checkpoints, OfflineCheckpointRefusalTest,
-    ::testing::Values(
-        CheckpointCase{"gap", [](auto& c) { c.sequence += 1; }, {Kind::checkpointChain, "sequence"}},
-        CheckpointCase{"repeat", [](auto& c) { c.sequence -= 1; }, {Kind::checkpointChain, "sequence"}},
-        CheckpointCase{"otherHead", [](auto& c) { c.previousHash = "x"; }, {Kind::checkpointChain, "previousHash"}},
-        CheckpointCase{"otherSession", [](auto& c) { c.sessionID = "s2"; }, {Kind::checkpointChain, "sessionID"}},
-        CheckpointCase{"otherEpoch", [](auto& c) { c.epoch = 4; }, {Kind::checkpointChain, "epoch"}},
-        CheckpointCase{"beforeAnchor", [](auto& c) { c.at = kThrough - 1; }, {Kind::checkpointChain, "at"}},
-        CheckpointCase{"pastLimit", [](auto& c) { c.at = kThrough + 90'001; }, {Kind::expired, "at"}},
-        CheckpointCase{"segmentPastLimit", [](auto& c) { c.segments.back().end = kThrough + 90'001; },
-                       {Kind::expired, "segments"}}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST(OfflineRuntimeTest, ACheckpointAfterARebootIsRefused) {
-  WorkingOfflineRuntime runtime = installed();
-  const auto outcome = runtime.admitCheckpoint(continuing(runtime.head(), 30'000), after(30'000), "another-boot");
-  EXPECT_EQ(outcome.error(), (WorkingOfflineError{Kind::clockDiscontinuity, "bootID"}));
+  const auto afterReboot = runtime.admitCheckpoint(continuing(runtime.head(), 30'000), after(30'000), "another-boot");
+  EXPECT_EQ(afterReboot.error(), (WorkingOfflineError{Kind::clockDiscontinuity, "bootID"}));
 }
 
 TEST(OfflineProofTest, IsSignedByTheDeviceKeyOverTheProofPurpose) {
@@ -210,6 +188,118 @@ TEST(OfflineProofTest, IsSignedByTheDeviceKeyOverTheProofPurpose) {
   const std::string otherText =
       R"({"purpose":"kovi-working-offline-proof-v1","proof":)" + encodeRecord(other).dump() + "}";
   EXPECT_FALSE(verifyAssertion(publicKey, "app.kovi.test", sha256(otherText), assertion).has_value());
+}
+
+
+constexpr UnixMillis kIssued = testing::kSampleLeaseIssuedAt;
+constexpr UnixMillis kWorkUntil = kIssued + 120'000;
+
+WorkingOfflineBinding binding() { return testing::sampleOfflineBinding(); }
+nlohmann::ordered_json leaseJson() { return testing::sampleOfflineLease(); }
+
+class OfflineLeaseTest : public ::testing::Test {
+ protected:
+  testing::OfflineLeaseServer server;
+  testing::OfflineLeaseServer stranger;
+  WorkingOfflineServerKeys keys =
+      decodeWorkingOfflineServerKeys(R"({"server-1":")" + server.publicKeyBase64() + R"("})").value();
+
+  std::expected<WorkingOfflineLease, WorkingOfflineError> check(const std::string& envelope,
+                                                                UnixMillis now = kIssued) const {
+    return verifyWorkingOfflineEnvelope(envelope, keys, binding(), now);
+  }
+
+  static void expectRefused(const std::expected<WorkingOfflineLease, WorkingOfflineError>& outcome, Kind kind,
+                            const std::string& detail) {
+    ASSERT_FALSE(outcome.has_value());
+    EXPECT_EQ(enumName(outcome.error().kind), enumName(kind));
+    EXPECT_EQ(outcome.error().detail, detail);
+  }
+};
+
+TEST_F(OfflineLeaseTest, AcceptsASignedLeaseForThisBindingBeforeWorkUntil) {
+  const auto lease = check(server.envelope(leaseJson()), kWorkUntil - 1);
+  ASSERT_TRUE(lease.has_value()) << lease.error().detail;
+  EXPECT_EQ(lease->id, "lease-1");
+  EXPECT_EQ(lease->anchor, binding().anchor);
+  EXPECT_EQ(encodeRecord(*lease), leaseJson()) << "the lease keeps every field as sent";
+  expectRefused(check(server.envelope(leaseJson()), kWorkUntil), Kind::expired, "workUntil");
+}
+
+TEST_F(OfflineLeaseTest, RefusesATamperedLeaseAnUnknownKeyAndAnotherKeysSignature) {
+  // Signed for epoch 3, then changed to epoch 4 and a matching binding.
+  std::string tampered = server.envelope(leaseJson());
+  tampered.replace(tampered.find(R"("epoch":3)"), 9, R"("epoch":4)");
+  auto otherBinding = binding();
+  otherBinding.epoch = 4;
+  const auto outcome = verifyWorkingOfflineEnvelope(tampered, keys, otherBinding, kIssued);
+  expectRefused(outcome, Kind::invalidSignature, "signature does not verify");
+
+  auto unknown = leaseJson();
+  unknown["serverKeyID"] = "server-2";
+  expectRefused(check(server.envelope(unknown)), Kind::invalidSignature, "unknown serverKeyID");
+
+  expectRefused(check(stranger.envelope(leaseJson())), Kind::invalidSignature, "signature does not verify");
+
+  nlohmann::ordered_json notBase64 = {{"lease", leaseJson()}, {"signature", "not base64!"}};
+  expectRefused(check(notBase64.dump()), Kind::invalidSignature, "signature is not base64");
+}
+
+TEST_F(OfflineLeaseTest, NamesTheFirstBindingFieldThatDiffers) {
+  const struct { const char* field; std::function<void(WorkingOfflineBinding&)> change; } cases[] = {
+      {"accountID", [](auto& b) { b.accountID = "account-2"; }},
+      {"roomID", [](auto& b) { b.roomID = "room-2"; }},
+      {"sessionID", [](auto& b) { b.sessionID = "session-2"; }},
+      {"deviceID", [](auto& b) { b.deviceID = "mac-2"; }},
+      {"epoch", [](auto& b) { b.epoch = 2; }},
+      {"rulesHash", [](auto& b) { b.rulesHash = "other"; }},
+      {"deviceKeyHash", [](auto& b) { b.deviceKeyHash = "other"; }},
+      {"anchor.sequence", [](auto& b) { b.anchor.sequence = 8; }},
+      {"anchor.headHash", [](auto& b) { b.anchor.headHash = "other"; }},
+      {"anchor.through", [](auto& b) { b.anchor.through += 1; }},
+      {"anchor.monotonicMS", [](auto& b) { b.anchor.monotonicMS -= 1; }},
+      // Several differences: the first in the binding's order is named.
+      {"roomID", [](auto& b) { b.deviceID = "mac-2", b.roomID = "room-2"; }},
+  };
+  for (const auto& example : cases) {
+    SCOPED_TRACE(example.field);
+    auto expected = binding();
+    example.change(expected);
+    const auto outcome = verifyWorkingOfflineEnvelope(server.envelope(leaseJson()), keys, expected, kIssued);
+    expectRefused(outcome, Kind::bindingMismatch, example.field);
+  }
+}
+
+nlohmann::ordered_json leaseWith(const char* key, nlohmann::ordered_json value) {
+  auto lease = leaseJson();
+  lease[key] = std::move(value);
+  return lease;
+}
+
+TEST_F(OfflineLeaseTest, RefusesAnEnvelopeThatDoesNotDecodeStrictly) {
+  // A repeated key: a lenient reader would take the last epoch, a signer the first.
+  std::string repeated = server.envelope(leaseJson());
+  repeated.replace(repeated.find(R"("epoch":3)"), 9, R"("epoch":3,"epoch":4)");
+  const struct { std::string text; const char* detail; } cases[] = {
+      {repeated, "lease.epoch: duplicate key"},
+      {server.envelope(leaseWith("extra", 1)), "lease.extra: unknown key"},
+      {server.envelope(leaseWith("version", 2)), "lease.version: unsupported version 2"},
+      {server.envelope(leaseWith("epoch", 3.5)), "lease.epoch: expected an integer, found a number"},
+      {server.envelope(leaseWith("workUntil", kIssued)), "lease.workUntil: not after issuedAt"},
+      {server.envelope(leaseWith("maxSequence", 6)), "lease.maxSequence: behind anchor.sequence"},
+      {"{\"lease\":", "not valid JSON at line 1, column 10: syntax error while parsing value - unexpected end of "
+                     "input; expected '[', '{', or a literal"},
+  };
+  for (const auto& example : cases) expectRefused(check(example.text), Kind::invalidEnvelope, example.detail);
+}
+
+TEST(OfflineServerKeysTest, RefusesRepeatedKeyIdsAndValuesThatAreNotBase64) {
+  EXPECT_EQ(decodeWorkingOfflineServerKeys(R"({"a":"AAAA","a":"AAAA"})").error().message(),
+            "a: duplicate key");
+  EXPECT_EQ(decodeWorkingOfflineServerKeys(R"({"a":"AAA"})").error().message(), "a: not base64 DER");
+  EXPECT_EQ(decodeWorkingOfflineServerKeys(R"({"a":""})").error().message(), "a: not base64 DER");
+  EXPECT_EQ(decodeWorkingOfflineServerKeys(R"({"a":1})").error().message(), "a: expected a string, found a number");
+  EXPECT_EQ(decodeWorkingOfflineServerKeys(R"({"a":"AAAA"})")->keys.at("a"), (std::vector<std::uint8_t>{0, 0, 0}));
 }
 
 }  // namespace

@@ -64,11 +64,7 @@ TEST(WorkingProtectionRecordsTest, TransitionRequestCarriesItsActionAndRecordInO
 
 TEST(WorkingProtectionRecordsTest, WindowsFailingTheirChecksAreRefusedAsInvalidWindow) {
   const WorkingProtectionWindow valid{1, "owner-1", "s1", kHash, 1000, 2000};
-  const struct {
-    const char* name;
-    void (*edit)(WorkingProtectionWindow&);
-    const char* reason;
-  } cases[] = {
+  const struct { const char* name; void (*edit)(WorkingProtectionWindow&); const char* reason; } cases[] = {
       {"generation zero", [](WorkingProtectionWindow& w) { w.generation = 0; }, "generation must be at least 1"},
       {"empty owner", [](WorkingProtectionWindow& w) { w.ownerID.clear(); }, "invalid owner identifier"},
       {"session with a space", [](WorkingProtectionWindow& w) { w.sessionID = "s 1"; }, "invalid session identifier"},

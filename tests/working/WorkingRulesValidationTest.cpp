@@ -12,7 +12,6 @@ namespace {
 
 using nlohmann::json;
 using testing::decodeEdited;
-using testing::RulesEdit;
 using testing::setting;
 using Stage = WorkingRulesDecodeError::Stage;
 
@@ -160,32 +159,6 @@ TEST(WorkingRulesValidationTest, NamesTheFirstFailedCheck) {
       EXPECT_EQ(decoded.error().reason, check.reason);
     }
   }
-}
-
-// Wrong types and unknown enumeration values fail typed decoding, after the
-// shape check and before validation, with the key path.
-TEST(WorkingRulesValidationTest, TypedDecodingNamesThePath) {
-  const struct { RulesEdit edit; std::string reason; } cases[] = {
-      {setting({{"/goal/kind", "weekly"}}), "rules.goal.kind: unknown value \"weekly\""},
-      {setting({{"/version", "2"}}), "rules.version: expected an integer, found a string"},
-      {setting({{"/economics/contributionAtomic", 25}}),
-       "rules.economics.contributionAtomic: expected a string, found a number"},
-      {setting({{"/calendar/days/2/start", 1.5}}), "rules.calendar.days[2].start: expected an integer, found a number"},
-      {setting({{"/session/pomodoro", 7}}), "rules.session.pomodoro: expected an object, found a number"},
-  };
-  for (const auto& typed : cases) {
-    SCOPED_TRACE(typed.reason);
-    const auto decoded = decodeEdited("daily-rules.json", typed.edit);
-    ASSERT_FALSE(decoded.has_value());
-    EXPECT_EQ(decoded.error().stage, Stage::decoding);
-    EXPECT_EQ(decoded.error().reason, typed.reason);
-  }
-}
-
-TEST(WorkingRulesValidationTest, BrokenJsonIsASyntaxError) {
-  const auto decoded = decodeWorkingRules(std::string_view("{\"version\": 2,"));
-  ASSERT_FALSE(decoded.has_value());
-  EXPECT_EQ(decoded.error().stage, Stage::syntax);
 }
 
 }  // namespace

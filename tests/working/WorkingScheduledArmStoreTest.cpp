@@ -39,26 +39,14 @@ std::string armFileText(const std::function<void(nlohmann::ordered_json&)>& edit
   return document.dump();
 }
 
-struct BindingCase {
-  std::string text;
-  bool valid;
-};
-
-class ChainBindingTest : public ::testing::TestWithParam<BindingCase> {};
-
-TEST_P(ChainBindingTest, MatchesOnlyALowercaseAddressAndAKoviIdWithoutLeadingZero) {
-  EXPECT_EQ(isWorkingChainBinding(GetParam().text), GetParam().valid) << GetParam().text;
+TEST(WorkingChainBindingTest, MatchesOnlyALowercaseAddressAndAKoviIdWithoutLeadingZero) {
+  const std::pair<std::string, bool> cases[] = {
+      {kAddress + ":1", true}, {kAddress + ":1" + std::string(30, '0'), true},
+      {kAddress + ":1" + std::string(31, '0'), false}, {kAddress + ":0", false}, {kAddress + ":01", false},
+      {"0x" + std::string(40, 'A') + ":1", false}, {"0x" + std::string(39, 'a') + ":1", false},
+      {kAddress + ":1\n", false}, {"../" + kAddress + ":1", false}};
+  for (const auto& [text, valid] : cases) EXPECT_EQ(isWorkingChainBinding(text), valid) << text;
 }
-
-INSTANTIATE_TEST_SUITE_P(Forms, ChainBindingTest,
-                         ::testing::Values(BindingCase{kAddress + ":1", true},
-                                           BindingCase{kAddress + ":1" + std::string(30, '0'), true},
-                                           BindingCase{kAddress + ":1" + std::string(31, '0'), false},
-                                           BindingCase{kAddress + ":0", false}, BindingCase{kAddress + ":01", false},
-                                           BindingCase{"0x" + std::string(40, 'A') + ":1", false},
-                                           BindingCase{"0x" + std::string(39, 'a') + ":1", false},
-                                           BindingCase{kAddress + ":1\n", false},
-                                           BindingCase{"../" + kAddress + ":1", false}));
 
 class ScheduledArmStoreTest : public ::testing::Test {
  protected:
@@ -99,54 +87,42 @@ TEST_F(ScheduledArmStoreTest, RefusesBindingsThatCouldNameAnotherFile) {
   EXPECT_FALSE(std::filesystem::exists(files.directory()));
 }
 
-struct CorruptCase {
-  const char* name;
-  std::string text;
-  std::string reason;
-};
-
-class ScheduledArmCorruptFileTest : public ScheduledArmStoreTest, public ::testing::WithParamInterface<CorruptCase> {};
-
-TEST_P(ScheduledArmCorruptFileTest, IsReportedKeptAndNeverOverwritten) {
-  const auto path = directory.write("Kovi/ScheduledArms/" + kAddress + "-42.json", GetParam().text);
-  const auto loaded = files.load(kBinding);
-  ASSERT_FALSE(loaded.has_value());
-  EXPECT_EQ(loaded.error().kind, Kind::corrupt);
-  EXPECT_EQ(loaded.error().message, path.string() + ": " + GetParam().reason);
-
-  EXPECT_EQ(files.save(armRecord()).error().kind, Kind::corrupt);
-  EXPECT_EQ(files.remove(kBinding).error().kind, Kind::corrupt);
-  const auto listed = files.list();
-  ASSERT_TRUE(listed.has_value());
-  ASSERT_EQ(listed->size(), 1u);
-  EXPECT_FALSE((*listed)[0].record.has_value());
-  std::ifstream in(path);
-  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), GetParam().text);
+TEST_F(ScheduledArmStoreTest, ACorruptFileIsReportedKeptAndNeverOverwritten) {
+  const std::pair<std::string, std::string> cases[] = {
+      {R"({"version":1,"chainBinding":")", "not valid JSON at line 1, column 30: syntax error while parsing value - "
+                                           "invalid string: missing closing quote; last read: '\"'"},
+      {R"({"version":2,"chainBinding":"x","record":{}})", "version: unsupported version 2"},
+      {armFileText([](auto& file) {
+         file["chainBinding"] = "0x" + std::string(40, 'b') + ":42";
+         file["record"]["room"]["chain"]["registryAddress"] = "0x" + std::string(40, 'b');
+       }),
+       "chainBinding: names another binding"},
+      {armFileText([](auto& file) { file["record"]["room"]["chain"]["koviId"] = "43"; }),
+       "chainBinding: not the binding of the record's room"},
+      {armFileText([](auto& file) { file["record"]["room"].erase("chain"); }),
+       "record.room.chain: a scheduled arm needs the room's chain binding, 0x<40 lowercase hex>:<kovi id without "
+       "leading zero>"},
+      {R"({"version":1,"version":1})", "version: duplicate key"},
+      {R"({"version":1,"chainBinding":")" + kBinding + R"(","record":{"closed":true}})", "record.room: missing key"},
+      {armFileText([](auto& file) { file["record"]["session"]["epoch"] = "3"; }),
+       "record.session.epoch: expected an integer, found a string"},
+      {R"({"version":1,"extra":true})", "extra: unknown key"}};
+  for (const auto& [text, reason] : cases) {
+    SCOPED_TRACE(reason);
+    const auto path = directory.write("Kovi/ScheduledArms/" + kAddress + "-42.json", text);
+    const auto loaded = files.load(kBinding);
+    ASSERT_FALSE(loaded.has_value());
+    EXPECT_EQ(loaded.error(), (WorkingScheduledStoreError{Kind::corrupt, path.string() + ": " + reason}));
+    EXPECT_EQ(files.save(armRecord()).error().kind, Kind::corrupt);
+    EXPECT_EQ(files.remove(kBinding).error().kind, Kind::corrupt);
+    const auto listed = files.list();
+    ASSERT_TRUE(listed.has_value());
+    ASSERT_EQ(listed->size(), 1u);
+    EXPECT_FALSE((*listed)[0].record.has_value());
+    std::ifstream in(path);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), text);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Files, ScheduledArmCorruptFileTest,
-    ::testing::Values(
-        CorruptCase{"torn", R"({"version":1,"chainBinding":")", "not valid JSON at line 1, column 30: syntax error while parsing value - invalid string: missing "
-                                                             "closing quote; last read: '\"'"},
-        CorruptCase{"newerVersion", R"({"version":2,"chainBinding":"x","record":{}})", "version: unsupported version 2"},
-        CorruptCase{"anotherBinding", armFileText([](auto& file) {
-                      file["chainBinding"] = "0x" + std::string(40, 'b') + ":42";
-                      file["record"]["room"]["chain"]["registryAddress"] = "0x" + std::string(40, 'b');
-                    }),
-                    "chainBinding: names another binding"},
-        CorruptCase{"roomOfAnotherBinding", armFileText([](auto& file) { file["record"]["room"]["chain"]["koviId"] = "43"; }),
-                    "chainBinding: not the binding of the record's room"},
-        CorruptCase{"roomWithoutBinding", armFileText([](auto& file) { file["record"]["room"].erase("chain"); }),
-                    "record.room.chain: a scheduled arm needs the room's chain binding, 0x<40 lowercase hex>:<kovi id "
-                    "without leading zero>"},
-        CorruptCase{"repeatedKey", R"({"version":1,"version":1})", "version: duplicate key"},
-        CorruptCase{"recordNotAnArm", R"({"version":1,"chainBinding":")" + kBinding + R"(","record":{"closed":true}})",
-                    "record.room: missing key"},
-        CorruptCase{"sessionNotASession", armFileText([](auto& file) { file["record"]["session"]["epoch"] = "3"; }),
-                    "record.session.epoch: expected an integer, found a string"},
-        CorruptCase{"unknownKey", R"({"version":1,"extra":true})", "extra: unknown key"}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 // A writer killed at any moment leaves the record it replaced or the one it
 // was writing, never a torn file: a child rewrites one binding in a loop with

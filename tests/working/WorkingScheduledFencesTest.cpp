@@ -1,11 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
+#include "KoviKit/foundation/FileKeyValueStore.h"
 #include "KoviKit/working/WorkingResumeAuthorizationFence.h"
+#include "KoviKit/working/WorkingScheduledReady.h"
+#include "KoviKit/working/WorkingScheduledReadyStore.h"
 #include "KoviKit/working/WorkingScheduledReminderFence.h"
 #include "KoviKit/working/WorkingScheduledStartFence.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace kovi {
 namespace {
@@ -22,54 +28,50 @@ Fence armedFence() {
   return fence;
 }
 
-struct FireCase {
-  const char* name;
-  Fence::State state;
-  UnixMillis now;
-  std::int64_t ownerEpoch;
-  std::int64_t refreshEpoch;
-  std::optional<Failure> failure;
-};
-
-class StartFenceFireTest : public ::testing::TestWithParam<FireCase> {};
-
-TEST_P(StartFenceFireTest, FiresOnlyArmedForTheCurrentEpochsInsideTheWindow) {
-  const FireCase& c = GetParam();
-  Fence fence = armedFence();
-  fence.state = c.state;
-  const Fence before = fence;
-  const auto outcome = fence.fire(c.now, c.ownerEpoch, c.refreshEpoch);
-  if (c.failure) {
-    ASSERT_FALSE(outcome.has_value());
-    EXPECT_EQ(outcome.error(), *c.failure);
-    EXPECT_EQ(fence, before) << "a refused fire changes nothing";
-  } else {
-    ASSERT_TRUE(outcome.has_value());
-    EXPECT_EQ(outcome->preparedAt, c.now);
-    EXPECT_EQ(fence.state, Fence::State::fired);
-    EXPECT_EQ(fence.firedAt, c.now);
+TEST(StartFenceTest, FiresOnlyArmedForTheCurrentEpochsInsideTheWindow) {
+  using State = Fence::State;
+  const struct {
+    State state;
+    UnixMillis now;
+    std::int64_t ownerEpoch, refreshEpoch;
+    std::optional<Failure> failure;
+  } cases[] = {
+      {State::idle, kStart, 4, 9, Failure::notArmed},
+      {State::fired, kStart, 4, 9, Failure::alreadyFired},
+      // The state is checked before anything else.
+      {State::fired, kStart - 1, 3, 8, Failure::alreadyFired},
+      {State::armed, kStart, 3, 9, Failure::ownerMismatch},
+      {State::armed, kStart, 5, 9, Failure::ownerMismatch},
+      // The owner epoch is checked before the refresh epoch and the clock.
+      {State::armed, kStart - 1, 5, 8, Failure::ownerMismatch},
+      {State::armed, kStart, 4, 8, Failure::refreshMismatch},
+      {State::armed, kStart - 1, 4, 10, Failure::refreshMismatch},
+      {State::armed, kStart - 1, 4, 9, Failure::early},
+      {State::armed, kStart, 4, 9, std::nullopt},
+      {State::armed, kStart + 1, 4, 9, std::nullopt},
+      {State::armed, kLate - 1, 4, 9, std::nullopt},
+      {State::armed, kLate, 4, 9, std::nullopt},
+      {State::armed, kLate + 1, 4, 9, Failure::expired},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(::testing::Message() << enumName(c.state) << " at " << c.now - kStart << " epochs " << c.ownerEpoch
+                                      << "/" << c.refreshEpoch);
+    Fence fence = armedFence();
+    fence.state = c.state;
+    const Fence before = fence;
+    const auto outcome = fence.fire(c.now, c.ownerEpoch, c.refreshEpoch);
+    if (c.failure) {
+      ASSERT_FALSE(outcome.has_value());
+      EXPECT_EQ(outcome.error(), *c.failure);
+      EXPECT_EQ(fence, before) << "a refused fire changes nothing";
+    } else {
+      ASSERT_TRUE(outcome.has_value());
+      EXPECT_EQ(outcome->preparedAt, c.now);
+      EXPECT_EQ(fence.state, Fence::State::fired);
+      EXPECT_EQ(fence.firedAt, c.now);
+    }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Bounds, StartFenceFireTest,
-    ::testing::Values(FireCase{"idle", Fence::State::idle, kStart, 4, 9, Failure::notArmed},
-                      FireCase{"fired", Fence::State::fired, kStart, 4, 9, Failure::alreadyFired},
-                      // The state is checked before anything else.
-                      FireCase{"firedStaleEarly", Fence::State::fired, kStart - 1, 3, 8, Failure::alreadyFired},
-                      FireCase{"ownerBelow", Fence::State::armed, kStart, 3, 9, Failure::ownerMismatch},
-                      FireCase{"ownerAbove", Fence::State::armed, kStart, 5, 9, Failure::ownerMismatch},
-                      // The owner epoch is checked before the refresh epoch and the clock.
-                      FireCase{"ownerAndRefresh", Fence::State::armed, kStart - 1, 5, 8, Failure::ownerMismatch},
-                      FireCase{"refreshBelow", Fence::State::armed, kStart, 4, 8, Failure::refreshMismatch},
-                      FireCase{"refreshEarly", Fence::State::armed, kStart - 1, 4, 10, Failure::refreshMismatch},
-                      FireCase{"oneBeforeStart", Fence::State::armed, kStart - 1, 4, 9, Failure::early},
-                      FireCase{"atStart", Fence::State::armed, kStart, 4, 9, std::nullopt},
-                      FireCase{"oneAfterStart", Fence::State::armed, kStart + 1, 4, 9, std::nullopt},
-                      FireCase{"oneBeforeDeadline", Fence::State::armed, kLate - 1, 4, 9, std::nullopt},
-                      FireCase{"atDeadline", Fence::State::armed, kLate, 4, 9, std::nullopt},
-                      FireCase{"oneAfterDeadline", Fence::State::armed, kLate + 1, 4, 9, Failure::expired}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 TEST(StartFenceTest, ASecondFireReportsAlreadyFiredAndKeepsTheFirstTime) {
   Fence fence = armedFence();
@@ -157,6 +159,104 @@ TEST(ResumeFenceTest, HonoursOnlyTheCurrentGenerationForItsSessionOnce) {
   fence.revoke();
   EXPECT_FALSE(fence.honours(afterRevoke));
   EXPECT_EQ(fence.sessionID, std::nullopt);
+}
+
+using ReadyFailure = WorkingScheduledReady::Failure;
+
+WorkingScheduledReady ready() {
+  return {"owner", "room", "hash", "w1", kStart, kStart + 3'600'000, kStart - 60'000, "fp", {"mac-1"}, true};
+}
+
+WorkingScheduledReadyContext context() { return {"owner", "room", "hash", "fp", kStart - 30'000, true}; }
+
+TEST(ScheduledReadyTest, ReportsTheFirstProblem) {
+  const struct {
+    const char* name;
+    void (*change)(WorkingScheduledReady&, WorkingScheduledReadyContext&);
+    std::optional<ReadyFailure> failure;
+  } cases[] = {
+      {"fine", [](auto&, auto&) {}, std::nullopt},
+      {"no window ID", [](auto& r, auto&) { r.windowID.clear(); }, ReadyFailure::invalidSnapshot},
+      {"observed after end", [](auto& r, auto&) { r.observedAt = r.endsAt + 1; }, ReadyFailure::invalidSnapshot},
+      // An invalid snapshot wins over every later problem.
+      {"invalid and background", [](auto& r, auto& c) { r.ownerID.clear(), c.inForeground = false; },
+       ReadyFailure::invalidSnapshot},
+      {"other owner", [](auto&, auto& c) { c.ownerID = "other"; }, ReadyFailure::changed},
+      {"other plan", [](auto&, auto& c) { c.sessionFingerprint = "other"; }, ReadyFailure::changed},
+      {"last millisecond", [](auto& r, auto& c) { c.now = r.endsAt - 1; }, std::nullopt},
+      {"at end", [](auto& r, auto& c) { c.now = r.endsAt; }, ReadyFailure::expired},
+      {"no Mac", [](auto& r, auto&) { r.availableMacIDs.clear(); }, ReadyFailure::noMac},
+      {"background", [](auto&, auto& c) { c.inForeground = false; }, ReadyFailure::background},
+  };
+  for (const auto& example : cases) {
+    auto snapshot = ready();
+    auto now = context();
+    example.change(snapshot, now);
+    const auto outcome = checkWorkingScheduledReady(snapshot, now);
+    EXPECT_EQ(outcome ? std::nullopt : std::optional(enumName(outcome.error())),
+              example.failure ? std::optional(enumName(*example.failure)) : std::nullopt)
+        << example.name;
+  }
+}
+
+TEST(ScheduledReadyTest, EveryFailureHasItsOwnText) {
+  EXPECT_EQ(workingScheduledReadyFailureText(ReadyFailure::noMac),
+            "Etkinlik izni hazır, bağlı bir Mac bulunamadı. Mac’te Kovi’i aç.");
+  std::set<std::string_view> texts;
+  for (const auto& [failure, name] : EnumNames<ReadyFailure>::table) texts.insert(workingScheduledReadyFailureText(failure));
+  EXPECT_EQ(texts.size(), EnumNames<ReadyFailure>::table.size());
+  EXPECT_FALSE(texts.contains(""));
+}
+
+class ScheduledReadyStoreTest : public ::testing::Test {
+ protected:
+  testing::TemporaryDirectory directory;
+  std::shared_ptr<FileKeyValueStore> domain = std::make_shared<FileKeyValueStore>("group.test", directory.path());
+  WorkingScheduledReadyStore store{domain};
+};
+
+TEST_F(ScheduledReadyStoreTest, AWindowIsClaimedOnceWhileEnabledForTheSameRules) {
+  using Outcome = WorkingScheduledReadyStore::ClaimOutcome;
+  EXPECT_EQ(store.claim("owner", "room", "hash", "w1", kStart), Outcome::notEnabled);
+  EXPECT_EQ(store.record("owner", "room"), std::nullopt) << "a refused claim creates no record";
+
+  ASSERT_TRUE(store.setEnabled("owner", "room", "hash", true).has_value());
+  EXPECT_EQ(store.claim("owner", "room", "other-hash", "w1", kStart), Outcome::notEnabled);
+  EXPECT_EQ(store.claim("owner", "room", "hash", "w1", kStart), Outcome::claimed);
+  EXPECT_EQ(store.claim("owner", "room", "hash", "w1", kStart + 5), Outcome::alreadyClaimed);
+  EXPECT_EQ(store.claim("owner", "room", "hash", "w2", kStart - 5), Outcome::claimed);
+
+  // Another store object over the same domain sees what this one wrote.
+  WorkingScheduledReadyStore again(std::make_shared<FileKeyValueStore>("group.test", directory.path()));
+  const auto record = again.record("owner", "room");
+  ASSERT_TRUE(record.has_value() && record->has_value());
+  EXPECT_EQ((*record)->claims, (std::map<std::string, UnixMillis>{{"w1", kStart}, {"w2", kStart - 5}}));
+  EXPECT_EQ((*record)->latestClaimAt, kStart);
+
+  // New rules forget the claims made under the old ones.
+  const auto changed = store.setEnabled("owner", "room", "hash-2", true);
+  ASSERT_TRUE(changed.has_value());
+  EXPECT_TRUE(changed->claims.empty());
+  EXPECT_EQ(store.claim("owner", "room", "hash-2", "w1", kStart), Outcome::claimed);
+}
+
+TEST_F(ScheduledReadyStoreTest, KeysSeparateOwnerAndRoomByLength) {
+  EXPECT_NE(WorkingScheduledReadyStore::key("ab", "c"), WorkingScheduledReadyStore::key("a", "bc"));
+  EXPECT_TRUE(WorkingScheduledReadyStore::key("a", "b").starts_with("kovi.working.scheduled-ready.v1."));
+  ASSERT_TRUE(store.setEnabled("ab", "c", "h", true).has_value());
+  EXPECT_EQ(store.record("a", "bc"), std::nullopt);
+}
+
+TEST_F(ScheduledReadyStoreTest, ACorruptRecordIsReportedAndLeftAlone) {
+  const std::string key = WorkingScheduledReadyStore::key("owner", "room");
+  ASSERT_TRUE(domain->setValue(key, {{"version", 1}, {"ownerID", "owner"}}).has_value());
+  const auto read = store.record("owner", "room");
+  ASSERT_FALSE(read.has_value());
+  EXPECT_EQ(read.error().kind, WorkingScheduledStoreError::Kind::corrupt);
+  EXPECT_EQ(read.error().message, key + ".roomID: missing key");
+
+  EXPECT_FALSE(store.claim("owner", "room", "hash", "w1", kStart).has_value());
+  EXPECT_EQ(domain->value(key), (nlohmann::json{{"version", 1}, {"ownerID", "owner"}}));
 }
 
 }  // namespace

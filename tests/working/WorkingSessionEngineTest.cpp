@@ -244,6 +244,9 @@ TEST(WorkingSessionEngineTest, ChoosesTheStatusLinesFromTheEngineState) {
   phone.requiresPhoneProtection = true;
   WorkingSessionPolicy pomodoro = sessionTestPolicy();
   pomodoro.pomodoro = {{120'000, 60'000}};
+  const WorkingSessionPolicy policy = sessionTestPolicy();
+  const std::string_view counting = "Mac’in kaydettiği süre sayılıyor.";
+  const std::string_view current = "Koruma bu kovi’in kurallarına uygun ve güncel.";
   const struct {
     const char* name;
     WorkingSessionPolicy policy;
@@ -254,31 +257,25 @@ TEST(WorkingSessionEngineTest, ChoosesTheStatusLinesFromTheEngineState) {
       {"not ready yet", phone, {readinessEvent(0, {true, true, true, true, true, false, true})},
        "Mac hazır olunca çalışma başlar. Henüz süre sayılmıyor.",
        "Bu kovi için iPhone koruması hazır değil. Koruma geçerli olana kadar yeni süre sayılmaz."},
-      {"ready, not started", sessionTestPolicy(), {readinessEvent(0, allReady())}, "Başlangıç bekleniyor",
-       "Koruma kontrol edilmeli"},
-      {"counting", sessionTestPolicy(), {startEvent(0)}, "Mac’in kaydettiği süre sayılıyor.",
-       "Koruma bu kovi’in kurallarına uygun ve güncel."},
-      {"offline within the limit", sessionTestPolicy(),
-       {startEvent(0), transportEvent(1'000, Transport::offlineLocal), sessionEvent(10'000, Type::activity)},
-       "Mac’in kaydettiği süre sayılıyor.", "Koruma ayarlandı ama doğrulama henüz gelmedi. Durumu yeniden kontrol et."},
-      {"offline past the limit", sessionTestPolicy(),
+      {"ready, not started", policy, {readinessEvent(0, allReady())}, "Başlangıç bekleniyor", "Koruma kontrol edilmeli"},
+      {"counting", policy, {startEvent(0)}, counting, current},
+      {"offline within the limit", policy,
+       {startEvent(0), transportEvent(1'000, Transport::offlineLocal), sessionEvent(10'000, Type::activity)}, counting,
+       "Koruma ayarlandı ama doğrulama henüz gelmedi. Durumu yeniden kontrol et."},
+      {"offline past the limit", policy,
        {startEvent(0), transportEvent(1'000, Transport::offlineLocal), sessionEvent(50'000, Type::activity),
         sessionEvent(91'000, Type::activity)},
        "Son doğrulama güncel değil. Bu aralıkta geçen süre kabul edilene kadar sayılmaz.",
        "Koruma doğrulaması güncel değil. Yeniden kontrol edilene kadar yeni süre sayılmaz."},
-      {"pomodoro work", pomodoro, {startEvent(0)}, "Pomodoro · çalışma aralığı",
-       "Koruma bu kovi’in kurallarına uygun ve güncel."},
+      {"pomodoro work", pomodoro, {startEvent(0)}, "Pomodoro · çalışma aralığı", current},
       {"pomodoro break", pomodoro,
        {startEvent(0), sessionEvent(50'000, Type::activity), sessionEvent(100'000, Type::activity),
         sessionEvent(121'000, Type::activity)},
-       "Pomodoro · planlı mola",
-       "Koruma bu kovi’in kurallarına uygun ve güncel."},
-      {"on a break", sessionTestPolicy(), {startEvent(0), sessionEvent(1'000, Type::manualBreak)},
-       "Şu an çalışma sayılmıyor. Devam ettiğinde yalnızca yeni doğrulanan süre eklenir.",
-       "Koruma bu kovi’in kurallarına uygun ve güncel."},
-      {"suspended", sessionTestPolicy(), {startEvent(0), sessionEvent(1'000, Type::handoff)}, "Doğrulanamıyor",
-       "Koruma bu kovi’in kurallarına uygun ve güncel."},
-      {"completed", sessionTestPolicy(), {startEvent(0), sessionEvent(1'000, Type::complete)}, std::nullopt,
+       "Pomodoro · planlı mola", current},
+      {"on a break", policy, {startEvent(0), sessionEvent(1'000, Type::manualBreak)},
+       "Şu an çalışma sayılmıyor. Devam ettiğinde yalnızca yeni doğrulanan süre eklenir.", current},
+      {"suspended", policy, {startEvent(0), sessionEvent(1'000, Type::handoff)}, "Doğrulanamıyor", current},
+      {"completed", policy, {startEvent(0), sessionEvent(1'000, Type::complete)}, std::nullopt,
        "Koruma hâlâ açık. Kovi’i açınca yeniden doğrulanır."},
   };
   for (const auto& expected : cases) {
@@ -290,10 +287,7 @@ TEST(WorkingSessionEngineTest, ChoosesTheStatusLinesFromTheEngineState) {
 }
 
 TEST(WorkingSessionEngineTest, ExplainsWhyTheCurrentTimeIsExcluded) {
-  const struct {
-    std::vector<WorkingSessionEvent> events;
-    std::optional<std::string_view> reason;
-  } cases[] = {
+  const struct { std::vector<WorkingSessionEvent> events; std::optional<std::string_view> reason; } cases[] = {
       {{startEvent(0)}, std::nullopt},
       {{startEvent(0), sessionEvent(1'000, Type::lock)},
        "Gerekli cihaz koşullarının doğrulanamadığı aralıklar çalışma süresine eklenmedi."},

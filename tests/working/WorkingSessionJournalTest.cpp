@@ -13,17 +13,9 @@ namespace kovi {
 namespace {
 
 WorkingSessionJournal journal() {
-  WorkingSessionJournal note;
-  note.ownerID = "acc_ada";
-  note.roomID = "room_51";
-  note.sessionID = "ses_8f2c";
-  note.label = "Tez · 3. bölüm";
-  note.intention = "Yöntem bölümünü bitirmek";
-  note.note = "Kaynakçayı sona bıraktım.";
-  note.completedOutput = "12 sayfa";
-  note.reflection = WorkingSessionJournal::Reflection::inProgress;
-  note.updatedAt = 1'780'003'600'000;
-  return note;
+  return {.version = WorkingSessionJournal::currentVersion, .ownerID = "acc_ada", .roomID = "room_51",
+          .sessionID = "ses_8f2c", .label = "Tez · 3. bölüm", .intention = "Yöntem bölümünü bitirmek",
+          .note = "Kaynakçayı sona bıraktım.", .completedOutput = "12 sayfa", .reflection = WorkingSessionJournal::Reflection::inProgress, .updatedAt = 1'780'003'600'000};
 }
 
 TEST(WorkingSessionJournalTest, KeysSeparateEverySplitOfTheSameCharacters) {
@@ -39,10 +31,7 @@ TEST(WorkingSessionJournalTest, KeysSeparateEverySplitOfTheSameCharacters) {
 }
 
 TEST(WorkingSessionJournalTest, ChecksRefuseEachBrokenField) {
-  struct Case {
-    std::string reason;
-    std::function<void(WorkingSessionJournal&)> edit;
-  };
+  struct Case { std::string reason; std::function<void(WorkingSessionJournal&)> edit; };
   const std::vector<Case> cases = {
       {"version 2 is not 1", [](auto& j) { j.version = 2; }},
       {"ownerID is empty", [](auto& j) { j.ownerID.clear(); }},

@@ -15,10 +15,7 @@ using Type = WorkingSessionEvent::Type;
 
 // Spans during which a required readiness was false, as the engine itself
 // reported its readiness after each accepted event.
-struct BlockedSpan {
-  UnixMillis start;
-  UnixMillis end;
-};
+struct BlockedSpan { UnixMillis start; UnixMillis end; };
 
 WorkingSessionEvent randomEvent(std::mt19937_64& random, UnixMillis& clock) {
   std::uniform_int_distribution<int> typeIndex(0, static_cast<int>(EnumNames<Type>::table.size()) - 1);

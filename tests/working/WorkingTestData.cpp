@@ -12,7 +12,9 @@ std::string workingDataFile(std::string_view name) {
   EXPECT_TRUE(in.good()) << "missing test data " << name;
   std::ostringstream contents;
   contents << in.rdbuf();
-  return contents.str();
+  std::string text = contents.str();
+  if (text.ends_with('\n')) text.pop_back();
+  return text;
 }
 
 nlohmann::json workingRulesJson(std::string_view name) { return nlohmann::json::parse(workingDataFile(name)); }

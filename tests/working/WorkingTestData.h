@@ -17,6 +17,7 @@ namespace kovi::testing {
 // "scheduled-rules.json" (three windows in Europe/Berlin across the spring
 // daylight-saving change, single sessions, free) and
 // "first-to-target-rules.json" (first to five hours takes the pool).
+// A data file's text without its final newline, so samples compare byte for byte.
 std::string workingDataFile(std::string_view name);
 nlohmann::json workingRulesJson(std::string_view name);
 // The decoded rule set; fails the running test when it does not decode.

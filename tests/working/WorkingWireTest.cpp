@@ -12,9 +12,7 @@ namespace kovi {
 namespace {
 
 std::string sample(std::string_view type) {
-  std::string text = testing::workingDataFile("wire/" + std::string(type) + ".json");
-  if (!text.empty() && text.back() == '\n') text.pop_back();
-  return text;
+  return testing::workingDataFile("wire/" + std::string(type) + ".json");
 }
 
 const WorkingWireRecordType& recordType(std::string_view name) {
@@ -164,12 +162,7 @@ TEST(WorkingWireTest, AcknowledgementsForAnotherSessionAreRefused) {
 TEST(WorkingWireTest, PhoneTextsFollowOutcomeAndReason) {
   using Outcome = WorkingCommandAcknowledgement::Outcome;
   using Reason = WorkingCommandAcknowledgement::Reason;
-  struct Case {
-    Outcome outcome;
-    Reason reason;
-    std::string_view kind;
-    std::string_view text;
-  };
+  struct Case { Outcome outcome; Reason reason; std::string_view kind; std::string_view text; };
   const std::vector<Case> cases = {
       {Outcome::applied, Reason::none, "break", "Mac isteği uyguladı. Bu onay çalışma süresi eklemez."},
       {Outcome::applied, Reason::none, "resume", "Mac devam isteğini onayladı. Yalnızca yeni doğrulanan çalışma sayılır."},

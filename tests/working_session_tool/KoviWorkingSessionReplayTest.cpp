@@ -14,16 +14,11 @@ namespace {
 
 using nlohmann::json;
 
-const json kReady = {{"activityMonitoring", true}, {"deviceUnlocked", true}, {"displayAwake", true},
-                     {"appBlocking", true},        {"websiteBlocking", true}, {"phoneProtection", true},
-                     {"serverLease", true}};
-
-json policy() {
-  return {{"idleThresholdMS", 60000},        {"allowsIdleDisabled", false},   {"resumeMode", "automatic"},
-          {"resumeDebounceMS", 5000},        {"resumeMaximumInputGapMS", 2000}, {"hardWindowMS", nullptr},
-          {"maximumObservationGapMS", 120000}, {"requiresAppBlocking", true},   {"requiresWebsiteBlocking", false},
-          {"requiresPhoneProtection", false}, {"requiresServerLease", false},   {"passiveIdleThresholdMS", nullptr},
-          {"pomodoro", nullptr},             {"pomodoroOffsetMS", nullptr}};
+// Five events: a start refused while the display sleeps and the app blocker
+// is off, a start, a lock, a tick before the lock, and completion.
+json traceDocument() {
+  std::ifstream in(std::string(KOVI_SESSION_TOOL_TEST_DATA) + "/trace.json");
+  return json::parse(in);
 }
 
 class KoviWorkingSessionReplayTest : public ::testing::Test {
@@ -45,18 +40,7 @@ class KoviWorkingSessionReplayTest : public ::testing::Test {
 };
 
 TEST_F(KoviWorkingSessionReplayTest, TracesEveryEventAndEndsWithTheSnapshot) {
-  json notReady = kReady;
-  notReady["displayAwake"] = false;
-  notReady["appBlocking"] = false;
-  const json document = {{"policy", policy()},
-                         {"sessionID", "s1"},
-                         {"deviceID", "mac-1"},
-                         {"events",
-                          {{{"at", 1000}, {"type", "start"}, {"readiness", notReady}},
-                           {{"at", 1000}, {"type", "start"}, {"readiness", kReady}},
-                           {{"at", 31000}, {"type", "lock"}},
-                           {{"at", 30999}, {"type", "tick"}},
-                           {{"at", 41000}, {"type", "complete"}}}}};
+  const json document = traceDocument();
   const auto run = kovi::testing::runKovi({"working", "session", "replay", "--trace", write(document)});
   ASSERT_EQ(run.exitStatus, 0) << run.err;
   const auto output = lines(run.out);
@@ -77,7 +61,8 @@ TEST_F(KoviWorkingSessionReplayTest, TracesEveryEventAndEndsWithTheSnapshot) {
 }
 
 TEST_F(KoviWorkingSessionReplayTest, WithoutTraceOnlyTheSnapshotIsPrinted) {
-  const json document = {{"policy", policy()}, {"sessionID", "s1"}, {"deviceID", "mac-1"}, {"events", json::array()}};
+  json document = traceDocument();
+  document["events"] = json::array();
   const auto run = kovi::testing::runKovi({"working", "session", "replay", write(document)});
   ASSERT_EQ(run.exitStatus, 0) << run.err;
   const auto output = lines(run.out);
@@ -87,10 +72,8 @@ TEST_F(KoviWorkingSessionReplayTest, WithoutTraceOnlyTheSnapshotIsPrinted) {
 }
 
 TEST_F(KoviWorkingSessionReplayTest, AFileThatDoesNotDecodeExitsTwoNamingThePath) {
-  const json document = {{"policy", policy()},
-                         {"sessionID", "s1"},
-                         {"deviceID", "mac-1"},
-                         {"events", {{{"at", 1000}, {"type", "teleport"}}}}};
+  json document = traceDocument();
+  document["events"][0]["type"] = "teleport";
   const std::string path = write(document);
   const auto run = kovi::testing::runKovi({"working", "session", "replay", path});
   EXPECT_EQ(run.exitStatus, 2);
