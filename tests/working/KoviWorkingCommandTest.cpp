@@ -31,11 +31,7 @@ std::vector<WorkingCheckpoint> chain(bool endsFinal) {
   return checkpoints;
 }
 
-std::string json(const std::vector<WorkingCheckpoint>& checkpoints) {
-  return encodeValue(checkpoints).dump();
-}
-
-struct VerifyCase { std::string name; std::string file; int exitStatus; std::string out; std::string errPart; };
+std::string json(const std::vector<WorkingCheckpoint>& checkpoints) { return encodeValue(checkpoints).dump(); }
 
 TEST(KoviWorkingCommandTest, VerifyPrintsTheChainsVerdict) {
   auto reordered = chain(true);
@@ -47,7 +43,7 @@ TEST(KoviWorkingCommandTest, VerifyPrintsTheChainsVerdict) {
   std::string repeated = json(chain(true));
   repeated.replace(repeated.find("\"kind\":\"idle\""), 13, "\"kind\":\"idle\",\"kind\":\"active\"");
 
-  const std::vector<VerifyCase> cases = {
+  const struct { std::string name, file; int exitStatus; std::string out, errPart; } cases[] = {
       {"verified", json(reordered), 0,
        R"({"status":"verified","message":"Oturum kayıtları doğrulandı.","acceptedMS":90000,"through":)" + through +
            R"(,"brokenAt":null})",
@@ -58,7 +54,7 @@ TEST(KoviWorkingCommandTest, VerifyPrintsTheChainsVerdict) {
       {"repeated key", repeated, 2, "", "[0].segments[1].kind: duplicate key"},
   };
   const testing::TemporaryDirectory directory;
-  for (const VerifyCase& test : cases) {
+  for (const auto& test : cases) {
     SCOPED_TRACE(test.name);
     const auto file = directory.write("chain.json", test.file);
     const auto run = runKovi({"working", "checkpoints", "verify", file.string()});

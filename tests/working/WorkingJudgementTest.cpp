@@ -163,6 +163,12 @@ TEST(WorkingJudgementTest, BothConditionsOfDailyAndTotal) {
   EXPECT_EQ(payouts(judgement).at("both"), 10000);
 }
 
+// First to five hours: ayse at 14:00, bora at 14:04, cem at 14:05, deniz never.
+std::vector<WorkingMemberWork> firstToTarget() {
+  return {member("ayse", {{work(0, 9, 0, 300)}}), member("bora", {{work(0, 8, 4, 120), work(0, 11, 4, 180)}}),
+          member("cem", {{work(0, 9, 5, 300)}}), member("deniz", {{work(0, 9, 0, 299)}})};
+}
+
 WorkingMemberWork addressed(WorkingMemberWork worker, std::string address) {
   worker.address = std::move(address);
   return worker;
@@ -240,6 +246,11 @@ TEST(WorkingJudgementTest, SettlesPayoutsRanksAndFallbacks) {
        {{"ayse", 7000}, {"bora", 3000}}, {{"ayse", 1}, {"bora", 2}}},
       {"streak counts runs", rankedDaily("streak"), {&text::raceStreak}, runs, {{"ayse", 3000}, {"bora", 7000}},
        {{"ayse", 2}, {"bora", 1}}},
+      // Reach times in one bucket share the first rank; the winner takes all, shared.
+      {"first to target, by bucket", testing::workingRules("first-to-target-rules.json"),
+       {&text::raceTieBucket, &text::winnerTakesAll}, firstToTarget(),
+       {{"ayse", 5000}, {"bora", 5000}, {"cem", 0}, {"deniz", 0}},
+       {{"ayse", 1}, {"bora", 1}, {"cem", 3}, {"deniz", std::nullopt}}},
   };
   for (const Case& example : cases) {
     SCOPED_TRACE(example.name);
@@ -254,20 +265,11 @@ TEST(WorkingJudgementTest, SettlesPayoutsRanksAndFallbacks) {
   EXPECT_FALSE(summaryHas(efficiency("shared"), {&text::raceEarliestTarget}));
 }
 
-TEST(WorkingJudgementTest, FirstToTargetComparesReachTimesInBuckets) {
-  const Rules rules = testing::workingRules("first-to-target-rules.json");  // 5 h, 5-minute buckets, winner takes all
-  ASSERT_TRUE(summaryHas(rules, {&text::raceTieBucket, &text::winnerTakesAll}));
-  // 14:00 and 14:04 fall in the same bucket; 14:05 starts the next one.
-  const auto judgement = judged(
-      rules, {member("ayse", {{work(0, 9, 0, 300)}}), member("bora", {{work(0, 8, 4, 120), work(0, 11, 4, 180)}}),
-              member("cem", {{work(0, 9, 5, 300)}}), member("deniz", {{work(0, 9, 0, 299)}})});
+// 14:00 and 14:04 fall in the same 5-minute bucket; 14:05 starts the next one.
+TEST(WorkingJudgementTest, FirstToTargetRecordsWhenTheTargetWasReached) {
+  const auto judgement = judged(testing::workingRules("first-to-target-rules.json"), firstToTarget());
   EXPECT_EQ(judgement.members[0].progress.reachedAt, istanbulTime(0, 14));
   EXPECT_EQ(judgement.members[1].progress.reachedAt, istanbulTime(0, 14, 4));
-  const std::map<std::string, std::optional<std::int64_t>> expectedRanks{
-      {"ayse", 1}, {"bora", 1}, {"cem", 3}, {"deniz", std::nullopt}};
-  EXPECT_EQ(ranks(judgement), expectedRanks);
-  const std::map<std::string, std::int64_t> expectedPayouts{{"ayse", 5000}, {"bora", 5000}, {"cem", 0}, {"deniz", 0}};
-  EXPECT_EQ(payouts(judgement), expectedPayouts);
 }
 
 // Scheduled rule set: Friday 18:00–21:00 (1 h 30 min), Saturday and Sunday

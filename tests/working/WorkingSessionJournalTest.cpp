@@ -31,8 +31,7 @@ TEST(WorkingSessionJournalTest, KeysSeparateEverySplitOfTheSameCharacters) {
 }
 
 TEST(WorkingSessionJournalTest, ChecksRefuseEachBrokenField) {
-  struct Case { std::string reason; std::function<void(WorkingSessionJournal&)> edit; };
-  const std::vector<Case> cases = {
+  const struct { std::string reason; std::function<void(WorkingSessionJournal&)> edit; } cases[] = {
       {"version 2 is not 1", [](auto& j) { j.version = 2; }},
       {"ownerID is empty", [](auto& j) { j.ownerID.clear(); }},
       {"sessionID is empty", [](auto& j) { j.sessionID.clear(); }},
@@ -47,7 +46,7 @@ TEST(WorkingSessionJournalTest, ChecksRefuseEachBrokenField) {
       {"updatedAt is before 1970", [](auto& j) { j.updatedAt = -1; }},
   };
   ASSERT_TRUE(validateWorkingSessionJournal(journal()).has_value());
-  for (const Case& test : cases) {
+  for (const auto& test : cases) {
     WorkingSessionJournal broken = journal();
     test.edit(broken);
     const auto result = validateWorkingSessionJournal(broken);
