@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "KoviKit/attest/SoftwareDeviceKeyService.h"
-#include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/working/WorkingAPI.h"
 #include "KoviKit/working/WorkingCheckpointSignature.h"
 #include "KoviKit/working/WorkingCheckpointWriter.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/working/WorkingTestData.h"
 
 namespace kovi {
 namespace {
@@ -20,11 +20,7 @@ constexpr const char* kAppIdentity = "TEAM1234.app.kovi.mac";
 constexpr const char* kToken = "token-ada";
 constexpr UnixMillis kStart = 1'780'000'000'000;
 
-std::string wireSample(const std::string& name) {
-  auto text = readFileLimited(std::string(KOVI_WORKING_TEST_DATA) + "/wire/" + name + ".json", 1 << 20);
-  if (!text) throw std::runtime_error("no wire sample " + name);
-  return *text;
-}
+std::string wireSample(const std::string& name) { return testing::workingDataFile("wire/" + name + ".json"); }
 
 void answerError(httplib::Response& response, int status, const std::string& code) {
   response.status = status;
