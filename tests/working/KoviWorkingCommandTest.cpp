@@ -9,43 +9,29 @@
 #include "KoviKit/working/WorkingSessionJournalStore.h"
 #include "tests/support/KoviProcess.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/working/WorkingTestData.h"
 
 namespace kovi {
 namespace {
 
+using testing::linkedChain;
 using testing::runKovi;
 constexpr UnixMillis kStart = 1'780'000'000'000;
-
-// Three linked checkpoints of 30 s active and 10 s idle each.
-std::vector<WorkingCheckpoint> chain(bool endsFinal) {
-  std::vector<WorkingCheckpoint> checkpoints;
-  std::string previous(kWorkingCheckpointGenesisHash);
-  for (std::int64_t sequence = 0; sequence < 3; ++sequence) {
-    const UnixMillis start = kStart + sequence * 40'000;
-    checkpoints.push_back({"ses_1", "dev_1", 0, sequence, previous, start + 40'000, sequence * 40'000,
-                           {{start, start + 30'000, WorkingTimeSegment::Kind::active},
-                            {start + 30'000, start + 40'000, WorkingTimeSegment::Kind::idle}},
-                           endsFinal && sequence == 2});
-    previous = workingCheckpointHash(checkpoints.back());
-  }
-  return checkpoints;
-}
 
 std::string json(const std::vector<WorkingCheckpoint>& checkpoints) { return encodeValue(checkpoints).dump(); }
 
 TEST(KoviWorkingCommandTest, VerifyPrintsTheChainsVerdict) {
-  auto reordered = chain(true);
+  auto reordered = linkedChain(3, true);
   std::swap(reordered[0], reordered[2]);
-  auto broken = chain(true);
-  broken[1].segments[0].kind = WorkingTimeSegment::Kind::active;
+  auto broken = linkedChain(3, true);
   broken[1].segments[1].kind = WorkingTimeSegment::Kind::active;
-  const std::string through = std::to_string(kStart + 120'000);
-  std::string repeated = json(chain(true));
+  const std::string through = std::to_string(kStart + 180'000);
+  std::string repeated = json(linkedChain(3, true));
   repeated.replace(repeated.find("\"kind\":\"idle\""), 13, "\"kind\":\"idle\",\"kind\":\"active\"");
 
   const struct { std::string name, file; int exitStatus; std::string out, errPart; } cases[] = {
       {"verified", json(reordered), 0,
-       R"({"status":"verified","message":"Oturum kayıtları doğrulandı.","acceptedMS":90000,"through":)" + through +
+       R"({"status":"verified","message":"Oturum kayıtları doğrulandı.","acceptedMS":120000,"through":)" + through +
            R"(,"brokenAt":null})",
        ""},
       {"inconsistent", json(broken), 1,
@@ -89,7 +75,7 @@ TEST(KoviWorkingCommandTest, VerifyWithTheDeviceKeyChecksEverySignature) {
   EXPECT_EQ(refused.out, R"({"status":"unverifiable","message":"Oturum kaydı doğrulanamadı","acceptedMS":0,"through":null,"brokenAt":0})" "\n");
   EXPECT_NE(refused.err.find("sequence 0: "), std::string::npos) << refused.err;
 
-  const auto unsigned_ = runKovi({"working", "checkpoints", "verify", directory.write("plain.json", json(chain(false))).string(),
+  const auto unsigned_ = runKovi({"working", "checkpoints", "verify", directory.write("plain.json", json(linkedChain(3, false))).string(),
                                   "--device-key", keyFile(keyId).string()});
   EXPECT_EQ(unsigned_.exitStatus, 2);
   EXPECT_NE(unsigned_.err.find("[0].at: unknown key"), std::string::npos) << unsigned_.err;
@@ -97,7 +83,7 @@ TEST(KoviWorkingCommandTest, VerifyWithTheDeviceKeyChecksEverySignature) {
 
 TEST(KoviWorkingCommandTest, HashAndJournalKey) {
   const testing::TemporaryDirectory directory;
-  const auto checkpoint = chain(true)[1];
+  const auto checkpoint = linkedChain(3, true)[1];
   const auto file = directory.write("checkpoint.json", encodeRecord(checkpoint).dump(2));
   const auto hash = runKovi({"working", "checkpoints", "hash", file.string()});
   EXPECT_EQ(hash.exitStatus, 0) << hash.err;

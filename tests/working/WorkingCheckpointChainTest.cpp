@@ -21,23 +21,8 @@ namespace {
 
 using Kind = WorkingTimeSegment::Kind;
 using Status = WorkingCheckpointChainReport::Status;
+using testing::linkedChain;
 
-// A linked chain of `count` checkpoints a minute apart; checkpoint k holds
-// 40 s of active and 20 s of idle time. The last one is final when asked.
-std::vector<WorkingCheckpoint> linkedChain(int count, bool endsFinal) {
-  std::vector<WorkingCheckpoint> chain;
-  std::string previousHash(kWorkingCheckpointGenesisHash);
-  for (int sequence = 0; sequence < count; ++sequence) {
-    const UnixMillis start = 1'780'000'000'000 + sequence * 60'000LL;
-    WorkingCheckpoint checkpoint{"session-1", "mac-1", 2, sequence, previousHash, start + 60'000,
-                                 5'000 + sequence * 60'000LL,
-                                 {{start, start + 40'000, Kind::active}, {start + 40'000, start + 60'000, Kind::idle}},
-                                 endsFinal && sequence == count - 1};
-    previousHash = workingCheckpointHash(checkpoint);
-    chain.push_back(std::move(checkpoint));
-  }
-  return chain;
-}
 
 // Where the last segment of `linkedChain(4, …)` ends.
 constexpr UnixMillis kChainEnd = 1'780'000'000'000 + 4 * 60'000;

@@ -1,5 +1,7 @@
 #include "tests/working/WorkingTestData.h"
 
+#include "KoviKit/working/WorkingCheckpoint.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -49,6 +51,22 @@ std::int64_t istanbulTime(int day, int hour, int minute) {
   constexpr std::int64_t kFirstDayStart = 1772398800000;  // 2026-03-02 00:00 +03:00
   return kFirstDayStart + static_cast<std::int64_t>(day) * 86'400'000 + static_cast<std::int64_t>(hour) * 3'600'000 +
          static_cast<std::int64_t>(minute) * 60'000;
+}
+
+std::vector<WorkingCheckpoint> linkedChain(int count, bool endsFinal) {
+  std::vector<WorkingCheckpoint> chain;
+  std::string previousHash(kWorkingCheckpointGenesisHash);
+  for (int sequence = 0; sequence < count; ++sequence) {
+    const UnixMillis start = 1'780'000'000'000 + sequence * 60'000LL;
+    WorkingCheckpoint checkpoint{"session-1", "mac-1", 2, sequence, previousHash, start + 60'000,
+                                 5'000 + sequence * 60'000LL,
+                                 {{start, start + 40'000, WorkingTimeSegment::Kind::active},
+                                  {start + 40'000, start + 60'000, WorkingTimeSegment::Kind::idle}},
+                                 endsFinal && sequence == count - 1};
+    previousHash = workingCheckpointHash(checkpoint);
+    chain.push_back(std::move(checkpoint));
+  }
+  return chain;
 }
 
 }  // namespace kovi::testing

@@ -5,9 +5,11 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
+#include "KoviKit/working/WorkingCheckpoint.h"
 #include "KoviKit/working/WorkingRules.h"
 
 namespace kovi::testing {
@@ -41,5 +43,10 @@ WorkingRules workingRules(std::string_view name, const nlohmann::json& values);
 // Istanbul (UTC+3, no daylight saving) instants of the daily, race and
 // first-to-target rule sets: `day` counts from the first kovi day.
 std::int64_t istanbulTime(int day, int hour, int minute = 0);
+
+// A linked chain of `count` checkpoints a minute apart from 1'780'000'000'000;
+// checkpoint k holds 40 s of active and 20 s of idle time. The last one is
+// final when asked.
+std::vector<WorkingCheckpoint> linkedChain(int count, bool endsFinal);
 
 }  // namespace kovi::testing
