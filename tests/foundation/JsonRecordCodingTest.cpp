@@ -4,10 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string>
 #include <type_traits>
-#include <vector>
 
 namespace kovi {
 namespace {

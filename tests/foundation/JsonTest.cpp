@@ -3,9 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace kovi {
 namespace {

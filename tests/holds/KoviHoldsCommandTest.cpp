@@ -3,9 +3,6 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
 
 #include "KoviKit/foundation/FileIO.h"
 #include "tests/holds/HoldsTestSnapshots.h"

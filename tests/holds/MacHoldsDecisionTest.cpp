@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
-#include <string>
 
 #include "tests/holds/HoldsTestSnapshots.h"
 

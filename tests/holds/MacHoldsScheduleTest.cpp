@@ -2,10 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <ostream>
-#include <string>
-#include <vector>
 
 #include "tests/holds/HoldsTestSnapshots.h"
 

@@ -4,9 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <ostream>
-#include <string>
 
 #include "tests/holds/HoldsTestSnapshots.h"
 #include "tests/support/ScopedEnvironment.h"

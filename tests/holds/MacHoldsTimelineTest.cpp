@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <ostream>
-#include <string>
-#include <vector>
 
 #include "KoviMacHolds/MacHoldsSchedule.h"
 #include "tests/holds/HoldsTestSnapshots.h"

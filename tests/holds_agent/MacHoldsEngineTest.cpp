@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "KoviMacHolds/MacHoldsIdentity.h"
 #include "tests/holds_agent/MacHoldsFakes.h"
 

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
 
 #include "KoviMacHolds/MacHoldsGuard.h"
 #include "KoviMacHolds/MacHoldsIdentity.h"

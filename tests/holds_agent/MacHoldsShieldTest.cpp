@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-#include <string>
-
 #include "KoviMacHolds/MacHoldsShield.h"
 #include "KoviMacHolds/MacPurrlCat.h"
 #include "KoviMacHolds/PurrlFontStore.h"

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <optional>
 #include <regex>
 
 #include "KoviKit/foundation/FileIO.h"

@@ -4,15 +4,11 @@
 #include <X11/Xutil.h>
 
 #include <chrono>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
 #include <map>
-#include <optional>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviMacHolds/platform/linux/CairoShieldPainter.h"

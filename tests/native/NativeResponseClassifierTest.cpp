@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "tests/native/NativeErrorPrinting.h"
 
 namespace kovi {

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "KoviKit/purrl/PurrlCatGrowthRules.h"
 
 namespace kovi {

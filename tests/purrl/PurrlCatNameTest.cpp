@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <optional>
-#include <string>
-
 #include "KoviKit/purrl/PurrlCatName.h"
 
 namespace kovi {

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "KoviKit/purrl/PurrlFocusMode.h"
 

@@ -2,8 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "KoviKit/purrl/PurrlAPI.h"
 #include "tests/support/LoopbackServer.h"

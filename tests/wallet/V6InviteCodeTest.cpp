@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <optional>
-#include <string>
-
 #include "KoviKit/wallet/V6InviteCode.h"
 #include "KoviKit/wallet/V6InviteLink.h"
 
