@@ -6,8 +6,6 @@
 namespace kovi::holds::testing {
 namespace {
 
-using ::testing::TestWithParam;
-
 TEST(MacHoldsEngine, StartsObservingAndTicksEveryFiveSeconds) {
   FakeAgent agent;
   auto delegate = agent.launchAt("2026-11-23T10:00", examWeekJson());
@@ -50,8 +48,6 @@ struct DecisionCase {
   const char* logLine;
 };
 
-void PrintTo(const DecisionCase& decision, std::ostream* out) { *out << decision.name; }
-
 const DecisionCase kDecisions[] = {
     {"studyBlockHoldsAllowList", examWeekJson(), "2026-11-23T10:00", false, std::nullopt, true, true,
      "hold study until 11:30"},
@@ -67,30 +63,27 @@ const DecisionCase kDecisions[] = {
      "exit: nothing left to hold"},
 };
 
-class MacHoldsEngineDecision : public TestWithParam<DecisionCase> {};
+TEST(MacHoldsEngineDecision, CarriesOutTheAction) {
+  for (const DecisionCase& decision : kDecisions) {
+    SCOPED_TRACE(decision.name);
+    FakeAgent agent;
+    agent.now = istanbul(decision.localTime);
+    if (decision.snapshot) agent.writeSnapshot(*decision.snapshot);
+    if (decision.mainAppRunning) agent.workspace.launch(std::string(kMacHoldsMainAppBundleID), "Kovi");
+    auto delegate = agent.launch();
 
-TEST_P(MacHoldsEngineDecision, CarriesOutTheAction) {
-  const DecisionCase& decision = GetParam();
-  FakeAgent agent;
-  agent.now = istanbul(decision.localTime);
-  if (decision.snapshot) agent.writeSnapshot(*decision.snapshot);
-  if (decision.mainAppRunning) agent.workspace.launch(std::string(kMacHoldsMainAppBundleID), "Kovi");
-  auto delegate = agent.launch();
-
-  EXPECT_EQ(agent.runLoop.status, decision.exitStatus);
-  const MacHoldsAppGuard& guardian = delegate->engine()->guardian();
-  EXPECT_EQ(guardian.plan().has_value(), decision.holding);
-  EXPECT_EQ(guardian.isObservingFront(), decision.holding);
-  if (decision.allowlist) {
-    ASSERT_TRUE(guardian.plan());
-    EXPECT_EQ(guardian.plan()->allowlist, *decision.allowlist);
+    EXPECT_EQ(agent.runLoop.status, decision.exitStatus);
+    const MacHoldsAppGuard& guardian = delegate->engine()->guardian();
+    EXPECT_EQ(guardian.plan().has_value(), decision.holding);
+    EXPECT_EQ(guardian.isObservingFront(), decision.holding);
+    if (decision.allowlist) {
+      ASSERT_TRUE(guardian.plan());
+      EXPECT_EQ(guardian.plan()->allowlist, *decision.allowlist);
+    }
+    ASSERT_FALSE(agent.log.empty());
+    EXPECT_EQ(agent.log.back(), decision.logLine);
   }
-  ASSERT_FALSE(agent.log.empty());
-  EXPECT_EQ(agent.log.back(), decision.logLine);
 }
-
-INSTANTIATE_TEST_SUITE_P(Snapshots, MacHoldsEngineDecision, ::testing::ValuesIn(kDecisions),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST(MacHoldsEngine, ReplacedExecutableStopsTheGuardAndExitsWith75) {
   FakeAgent agent;

@@ -50,7 +50,6 @@ struct FrontCase {
   MacActivationPolicy policy = MacActivationPolicy::regular;
 };
 
-void PrintTo(const FrontCase& front, std::ostream* out) { *out << front.name; }
 using Kind = MacHoldsDue::Kind;
 
 const FrontCase kFrontCases[] = {
@@ -73,23 +72,20 @@ const FrontCase kFrontCases[] = {
     {"socialLeavesAnUnknownApp", Kind::social, true, "x11:Gimp", false},
 };
 
-class MacHoldsGuardFront : public ::testing::TestWithParam<FrontCase> {};
+TEST(MacHoldsGuardFront, HidesOnlyHeldApplications) {
+  for (const FrontCase& front : kFrontCases) {
+    SCOPED_TRACE(front.name);
+    GuardFixture fixture;
+    fixture.hold({front.due, kStudyEnd}, front.keepCommunication);
+    const pid_t pid = fixture.frontApp(front.bundleIdentifier, "Some App", front.policy);
 
-TEST_P(MacHoldsGuardFront, HidesOnlyHeldApplications) {
-  const FrontCase& front = GetParam();
-  GuardFixture fixture;
-  fixture.hold({front.due, kStudyEnd}, front.keepCommunication);
-  const pid_t pid = fixture.frontApp(front.bundleIdentifier, "Some App", front.policy);
-
-  EXPECT_EQ(fixture.agent.workspace.hidden == std::vector<pid_t>{pid}, front.hidden);
-  EXPECT_EQ(fixture.guardian->isShieldVisible(), front.hidden);
-  if (front.hidden) {
-    EXPECT_EQ(fixture.guardian->shieldAppName(), "Some App");
+    EXPECT_EQ(fixture.agent.workspace.hidden == std::vector<pid_t>{pid}, front.hidden);
+    EXPECT_EQ(fixture.guardian->isShieldVisible(), front.hidden);
+    if (front.hidden) {
+      EXPECT_EQ(fixture.guardian->shieldAppName(), "Some App");
+    }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(Plans, MacHoldsGuardFront, ::testing::ValuesIn(kFrontCases),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST(MacHoldsGuard, HeldAppAlreadyInFrontIsHiddenWhenTheHoldStarts) {
   GuardFixture fixture;

@@ -10,21 +10,20 @@
 #include <map>
 #include <thread>
 
-#include "KoviKit/foundation/FileIO.h"
 #include "KoviMacHolds/platform/linux/CairoShieldPainter.h"
 #include "KoviMacHolds/platform/x11/demo/PrivateDesktop.h"
 #include "tests/holds_x11/HoldsSnapshotNow.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestData.h"
 
 namespace kovi::holds::x11::testing {
 namespace {
 
+using kovi::testing::readTestFile;
 using holds::testing::HoldNow;
 using holds::testing::snapshotHoldingNow;
 
 constexpr std::chrono::milliseconds kSettle{8000};
-
-std::string readText(const std::filesystem::path& file) { return readFileLimited(file, 1 << 20).value_or(""); }
 
 // A private desktop with the agent's data and runtime directories, stand-in
 // applications and the agent itself, all stopped when the test ends.
@@ -52,7 +51,7 @@ class HoldsDesktopTest : public ::testing::Test {
   // After a failure, prints what the agent and the window manager said.
   void TearDown() override {
     if (!HasFailure()) return;
-    std::cerr << "agent log:\n" << agentLog() << "openbox log:\n" << readText(scratch.path() / "openbox.log");
+    std::cerr << "agent log:\n" << agentLog() << "openbox log:\n" << readTestFile(scratch.path() / "openbox.log");
   }
 
   struct StandIn {
@@ -73,8 +72,8 @@ class HoldsDesktopTest : public ::testing::Test {
       window = std::stoul(line, nullptr, 16);
       return true;
     });
-    EXPECT_TRUE(window.has_value()) << instance << " did not map its window: " << readText(output)
-                                    << readText(scratch.path() / (instance + ".err"));
+    EXPECT_TRUE(window.has_value()) << instance << " did not map its window: " << readTestFile(output)
+                                    << readTestFile(scratch.path() / (instance + ".err"));
     return {std::move(*process), window.value_or(None)};
   }
   // Writes the snapshot and starts `kovi-holds run`.
@@ -87,8 +86,7 @@ class HoldsDesktopTest : public ::testing::Test {
   }
   std::map<std::string, std::string> agentEnvironment() const {
     return {{"DISPLAY", desktop->displayName()},
-            {"TZ", "UTC"},
-            {"XDG_DATA_HOME", (scratch.path() / "data").string()},
+            {"TZ", "UTC"}, {"XDG_DATA_HOME", (scratch.path() / "data").string()},
             {"XDG_RUNTIME_DIR", (scratch.path() / "runtime").string()},
             {"PATH", (scratch.path() / "bin").string() + ":" + std::getenv("PATH")}};
   }
@@ -109,7 +107,7 @@ class HoldsDesktopTest : public ::testing::Test {
   }
   std::string agentLog() const {
     std::string log;
-    for (int index = 0; index < agentCount; ++index) log += readText(scratch.path() / ("agent" + std::to_string(index) + ".log"));
+    for (int index = 0; index < agentCount; ++index) log += readTestFile(scratch.path() / ("agent" + std::to_string(index) + ".log"));
     return log;
   }
   // Clicks at a point of the screen or presses a key, with xdotool.

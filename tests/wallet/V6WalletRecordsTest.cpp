@@ -144,11 +144,8 @@ TEST(V6WalletKoviTest, ChecksRegistryAddressAndKoviNumber) {
     std::optional<std::string> message;
   } cases[] = {{address, "1", std::nullopt},
                {"0x" + std::string(40, 'F'), "9" + std::string(77, '9'), std::nullopt},
-               {address, "1" + std::string(78, '0'), idReason},
-               {address, "0", idReason},
-               {address, "07", idReason},
-               {"0x" + std::string(39, 'a'), "1", addressReason},
-               {"0X" + std::string(40, 'a'), "1", addressReason},
+               {address, "1" + std::string(78, '0'), idReason}, {address, "0", idReason}, {address, "07", idReason},
+               {"0x" + std::string(39, 'a'), "1", addressReason}, {"0X" + std::string(40, 'a'), "1", addressReason},
                {"0x" + std::string(39, 'a') + "g", "1", addressReason}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.registryAddress + " " + c.koviId);
