@@ -128,19 +128,16 @@ TEST_F(KoviHoldsCommand, ScheduleJsonCoversTheDemoDay) {
       << plain.out;
 }
 
-class KoviHoldsUsage : public KoviHoldsCommand, public ::testing::WithParamInterface<const char*> {};
-
-TEST_P(KoviHoldsUsage, RefusesWithStatusTwo) {
-  const Outcome result = run(GetParam());
-  EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.out, "");
-  EXPECT_NE(result.err, "");
+TEST_F(KoviHoldsCommand, UsageErrorsExitWithStatusTwo) {
+  for (const char* arguments : {"status --at 2026-11-22T10:00",  // no offset
+                                "schedule --day 2026-02-30", "status --demo --file /tmp/holds.json",
+                                "status --frobnicate", "schedule 2026-11-22", "vacuum"}) {
+    const Outcome result = run(arguments);
+    EXPECT_EQ(result.status, 2) << arguments;
+    EXPECT_EQ(result.out, "") << arguments;
+    EXPECT_NE(result.err, "") << arguments;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(KoviHolds, KoviHoldsUsage,
-                         ::testing::Values("status --at 2026-11-22T10:00",  // no offset
-                                           "schedule --day 2026-02-30", "status --demo --file /tmp/holds.json",
-                                           "status --frobnicate", "schedule 2026-11-22", "vacuum"));
 
 }  // namespace
 }  // namespace kovi::holds

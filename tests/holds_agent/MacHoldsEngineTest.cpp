@@ -6,8 +6,13 @@
 namespace kovi::holds::testing {
 namespace {
 
-TEST(MacHoldsEngine, StartsObservingAndTicksEveryFiveSeconds) {
+// Every story starts from a fresh agent over the fakes.
+class MacHoldsEngineTest : public ::testing::Test {
+ protected:
   FakeAgent agent;
+};
+
+TEST_F(MacHoldsEngineTest, StartsObservingAndTicksEveryFiveSeconds) {
   auto delegate = agent.launchAt("2026-11-23T10:00", examWeekJson());
 
   EXPECT_FALSE(agent.runLoop.hasExited());
@@ -21,8 +26,7 @@ TEST(MacHoldsEngine, StartsObservingAndTicksEveryFiveSeconds) {
   EXPECT_EQ(agent.log, std::vector<std::string>{"hold study until 11:30"});
 }
 
-TEST(MacHoldsEngine, SecondCopyExitsAtOnceWithoutObservingAnything) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, SecondCopyExitsAtOnceWithoutObservingAnything) {
   agent.workspace.anotherAgent = true;
   auto delegate = agent.launchAt("2026-11-23T10:00", examWeekJson());
 
@@ -85,8 +89,7 @@ TEST(MacHoldsEngineDecision, CarriesOutTheAction) {
   }
 }
 
-TEST(MacHoldsEngine, ReplacedExecutableStopsTheGuardAndExitsWith75) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, ReplacedExecutableStopsTheGuardAndExitsWith75) {
   agent.workspace.launchInFront("com.hnc.Discord", "Discord");
   auto delegate = agent.launchAt("2026-11-23T12:00", examWeekJson());
   ASSERT_TRUE(agent.shield->visible);
@@ -109,8 +112,7 @@ TEST(MacHoldsEngine, ReplacedExecutableStopsTheGuardAndExitsWith75) {
   EXPECT_EQ(agent.log.back(), "exit: the agent's executable was replaced; restarting");
 }
 
-TEST(MacHoldsEngine, StandsByWhileTheMainAppRunsAndHoldsAtOnceWhileItIsGone) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, StandsByWhileTheMainAppRunsAndHoldsAtOnceWhileItIsGone) {
   const pid_t kovi = agent.workspace.launch(std::string(kMacHoldsMainAppBundleID), "Kovi");
   const pid_t discord = agent.workspace.launchInFront("com.hnc.Discord", "Discord");
   auto delegate = agent.launchAt("2026-11-23T12:00", examWeekJson());
@@ -134,16 +136,14 @@ TEST(MacHoldsEngine, StandsByWhileTheMainAppRunsAndHoldsAtOnceWhileItIsGone) {
   EXPECT_EQ(agent.workspace.observerCount(MacWorkspaceEvent::didActivateApplication), 0u);
 }
 
-TEST(MacHoldsEngine, TerminatedMainAppStillListedDoesNotKeepTheAgentStandingBy) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, TerminatedMainAppStillListedDoesNotKeepTheAgentStandingBy) {
   agent.workspace.applications.push_back(
       {77, std::string(kMacHoldsMainAppBundleID), "Kovi", MacActivationPolicy::regular, true});
   auto delegate = agent.launchAt("2026-11-23T12:00", examWeekJson());
   EXPECT_TRUE(delegate->engine()->guardian().plan());
 }
 
-TEST(MacHoldsEngine, RepeatedDecisionsAreLoggedOnceANewHoldAgainAndTheEndOfTheWeekExits) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, RepeatedDecisionsAreLoggedOnceANewHoldAgainAndTheEndOfTheWeekExits) {
   auto delegate = agent.launchAt("2026-11-23T10:00", examWeekJson());
   agent.runLoop.tick();
   agent.workspace.wake();
@@ -159,8 +159,7 @@ TEST(MacHoldsEngine, RepeatedDecisionsAreLoggedOnceANewHoldAgainAndTheEndOfTheWe
   EXPECT_EQ(agent.log.back(), "exit: nothing left to hold");
 }
 
-TEST(MacHoldsEngine, CallbacksOfAGoneEngineDoNothing) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, CallbacksOfAGoneEngineDoNothing) {
   agent.launchAt("2026-11-23T10:00", examWeekJson());
   // The engine removed its observers and timer on the way out.
   EXPECT_TRUE(agent.runLoop.timers.empty());

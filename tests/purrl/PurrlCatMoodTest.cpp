@@ -61,8 +61,7 @@ TEST(PurrlCatMoodTest, FollowsTheRulesInOrder) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     const PurrlCatMoodResult result = PurrlCatGrowthRules::mood(c.inputs);
-    EXPECT_EQ(enumName(result.mood), enumName(c.mood));
-    EXPECT_EQ(enumName(result.reason), enumName(c.reason));
+    EXPECT_EQ(std::pair(enumName(result.mood), enumName(result.reason)), std::pair(enumName(c.mood), enumName(c.reason)));
   }
 }
 
