@@ -5,6 +5,7 @@
 #include "KoviKit/purrl/PurrlCatGrowthMoment.h"
 #include "KoviKit/purrl/PurrlCatGrowthRules.h"
 #include "tests/support/TestData.h"
+#include "tests/support/Refusal.h"
 
 namespace kovi {
 namespace {
@@ -44,9 +45,7 @@ TEST(PurrlCatStateTest, RefusalsNameTheFailingKey) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.error);
-    const auto state = decodeJsonText<PurrlCatState>(c.json);
-    ASSERT_FALSE(state.has_value());
-    EXPECT_EQ(state.error().message(), c.error);
+    EXPECT_EQ(testing::refusalOf(decodeJsonText<PurrlCatState>(c.json)), c.error);
   }
 }
 

@@ -61,7 +61,8 @@ TEST(PurrlCatMoodTest, FollowsTheRulesInOrder) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     const PurrlCatMoodResult result = PurrlCatGrowthRules::mood(c.inputs);
-    EXPECT_EQ(std::pair(enumName(result.mood), enumName(result.reason)), std::pair(enumName(c.mood), enumName(c.reason)));
+    EXPECT_EQ(std::pair(enumName(result.mood), enumName(result.reason)),
+              std::pair(enumName(c.mood), enumName(c.reason)));
   }
 }
 

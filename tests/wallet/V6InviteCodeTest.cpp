@@ -2,6 +2,7 @@
 
 #include "KoviKit/wallet/V6InviteCode.h"
 #include "KoviKit/wallet/V6InviteLink.h"
+#include "tests/support/Refusal.h"
 
 namespace kovi {
 namespace {
@@ -91,9 +92,8 @@ TEST(V6InviteLink, DecodesTheIssuedLinkAndItsCode) {
   EXPECT_FALSE(link->isExpired(1780000000.0));
   EXPECT_TRUE(link->isExpired(1780000000.5));
 
-  const auto missing = decodeJsonText<V6InviteLink>(R"({"code":"KOVI-7Q2M-XRP4","url":"https://kovi.app"})");
-  ASSERT_FALSE(missing.has_value());
-  EXPECT_EQ(missing.error().message(), "expiresAt: missing key");
+  EXPECT_EQ(testing::refusalOf(decodeJsonText<V6InviteLink>(R"({"code":"KOVI-7Q2M-XRP4","url":"https://kovi.app"})")),
+            "expiresAt: missing key");
 }
 
 }  // namespace

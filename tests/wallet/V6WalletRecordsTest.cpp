@@ -5,6 +5,7 @@
 #include "KoviKit/wallet/V6WalletKovi.h"
 #include "KoviKit/wallet/V6WalletRequest.h"
 #include "KoviKit/wallet/V6WalletResponse.h"
+#include "tests/support/Refusal.h"
 
 namespace kovi {
 namespace {
@@ -128,9 +129,7 @@ TEST(V6WalletResponseTest, RefusesWithThePlaceAndReason) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.message);
-    const auto decoded = decodeJsonText<V6WalletResponse>(c.document);
-    ASSERT_FALSE(decoded.has_value());
-    EXPECT_EQ(decoded.error().message(), c.message);
+    EXPECT_EQ(testing::refusalOf(decodeJsonText<V6WalletResponse>(c.document)), c.message);
   }
 }
 
@@ -166,9 +165,7 @@ TEST(V6WalletDraftTest, ChecksTheRulesWithTheDomainsOwnRules) {
   V6WalletDraft draft = walkingDraft();
   EXPECT_TRUE(checkV6WalletDraft(draft).has_value());
   draft.rules.erase("durationDays");
-  const auto missing = checkV6WalletDraft(draft);
-  ASSERT_FALSE(missing.has_value());
-  EXPECT_EQ(missing.error().message(), "rules.durationDays: missing key");
+  EXPECT_EQ(testing::refusalOf(checkV6WalletDraft(draft)), "rules.durationDays: missing key");
   // The same walking rules are not a working rule set.
   draft = walkingDraft();
   draft.domain = V6WalletDomain::working;
