@@ -120,6 +120,16 @@ class HoldsDesktopTest : public ::testing::Test {
     EXPECT_EQ(process->waitForExit(kSettle), 0);
   }
 
+  // The centre of a shield button on the screen, from the same layout the agent uses.
+  std::pair<int, int> buttonCentre(Window shield, std::size_t index) {
+    const MacHoldsShieldView view{.due = MacHoldsDue::sleep(Date::now()), .appName = "Discord", .openKovi = {},
+                                  .back = {}, .catStage = std::nullopt};
+    const auto layout = desktop::CairoShieldPainter(PurrlFontStore()).layout(view, Calendar::current());
+    const auto& frame = layout.buttons[index].frame;
+    const auto [x, y] = desktop->screenPosition(shield);
+    return {x + static_cast<int>(frame.x + frame.width / 2), y + static_cast<int>(frame.y + frame.height / 2)};
+  }
+
   kovi::testing::TemporaryDirectory scratch;
   std::optional<PrivateDesktop> desktop;
   std::filesystem::path snapshotFile;
@@ -151,20 +161,7 @@ TEST_F(HoldsDesktopTest, HeldWindowComingToTheFrontIsIconifiedAndTheShieldShown)
   EXPECT_TRUE(agent.isRunning());
 }
 
-class ShieldButtonsTest : public HoldsDesktopTest {
- protected:
-  // The centre of a shield button on the screen, from the same layout the agent uses.
-  std::pair<int, int> buttonCentre(Window shield, std::size_t index) {
-    const MacHoldsShieldView view{.due = MacHoldsDue::sleep(Date::now()), .appName = "Discord", .openKovi = {},
-                                  .back = {}, .catStage = std::nullopt};
-    const auto layout = desktop::CairoShieldPainter(PurrlFontStore()).layout(view, Calendar::current());
-    const auto& frame = layout.buttons[index].frame;
-    const auto [x, y] = desktop->screenPosition(shield);
-    return {x + static_cast<int>(frame.x + frame.width / 2), y + static_cast<int>(frame.y + frame.height / 2)};
-  }
-};
-
-TEST_F(ShieldButtonsTest, BackToFocusAndOpenKoviWorkByClickAndReturnByKey) {
+TEST_F(HoldsDesktopTest, BackToFocusAndOpenKoviWorkByClickAndReturnByKey) {
   // A stand-in for the main app's launcher, which the agent finds on PATH.
   const auto opened = scratch.path() / "kovi-app-was-opened";
   std::filesystem::create_directories(scratch.path() / "bin");
