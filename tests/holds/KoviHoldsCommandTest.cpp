@@ -93,7 +93,7 @@ TEST_F(KoviHoldsCommand, StatusSaysItInASentence) {
 TEST_F(KoviHoldsCommand, UndecodableSnapshotExitsAndSaysWhy) {
   const auto file = directory.write(
       "holds.json", R"({"version":1,"stopped":false,"syncedAt":0,"keepCommunication":true,"examWeek":{}})");
-  EXPECT_EQ(runJson("status --json --at 2026-11-22T10:00:00+03:00 --file '" + file.string() + "'"),
+  EXPECT_EQ(json(runJson("status --json --at 2026-11-22T10:00:00+03:00 --file '" + file.string() + "'")),
             (json{{"snapshot", "undecodable"}, {"reason", "examWeek.startDay: missing key"}, {"active", false},
                   {"action", "exit"}, {"due", {{"kind", "none"}, {"until", nullptr}}}, {"windows", json::array()},
                   {"plan", nullptr}}));

@@ -220,7 +220,7 @@ TEST_F(HoldsSwayTest, ShieldKeepsItsLogicalSizeAndIsDrawnWithTheOutputsPixelsAtS
       kSettle);
   ASSERT_TRUE(shown) << agentLog();
   // 480 logical points wide: the paper ends at the shield's edge.
-  EXPECT_NE(screen->at(left - 12, physicalHeight / 2), kPaper);
+  EXPECT_NE(screen->at(left - 12, physicalHeight / 2), kPaperPixel);
 
   int sharpBlocks = 0;
   const int top = physicalHeight / 4, bottom = physicalHeight * 3 / 4;
