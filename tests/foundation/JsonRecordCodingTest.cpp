@@ -76,9 +76,7 @@ Pet<policy> plainPet() {
 
 template <JsonRecordPolicy policy>
 Pet<policy> fullPet() {
-  return {.name = "Pamuk",
-          .age = 3,
-          .tag = {.id = "a", .size = 2},
+  return {.name = "Pamuk", .age = 3, .tag = {.id = "a", .size = 2},
           .spares = {{.id = "b", .size = std::nullopt}, {.id = "c", .size = 4}},
           .adopted = Date::fromSecondsSince2001(800000000.5)};
 }

@@ -22,12 +22,8 @@ MacFocus2EnforcementPlan planFor(const MacHoldsDue& due, bool keepCommunication)
 struct GuardFixture {
   FakeAgent agent;
   std::shared_ptr<MacHoldsAppGuard> guardian = std::make_shared<MacHoldsAppGuard>(MacHoldsGuardContext{
-      .workspace = agent.workspace,
-      .makeShieldPanel = agent.platform().makeShieldPanel,
-      .log = [this](std::string_view line) { agent.log.emplace_back(line); },
-      .clock = agent.clock(),
-      .catStage = {},
-  });
+      .workspace = agent.workspace, .makeShieldPanel = agent.platform().makeShieldPanel,
+      .log = [this](std::string_view line) { agent.log.emplace_back(line); }, .clock = agent.clock(), .catStage = {}});
 
   void hold(const MacHoldsDue& due, bool keepCommunication = false) {
     guardian->apply(due, planFor(due, keepCommunication));

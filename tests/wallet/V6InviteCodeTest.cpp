@@ -58,8 +58,7 @@ TEST(V6InviteCode, RecognisesACodeThenAKoviReferenceOrSaysWhy) {
       {"davet: KOVI-ABCD-EFGH", V6InviteCode{"ABCDEFGH"}},
       {"  KOVI-2026-0501-WALK  ", std::string("KOVI-2026-0501-WALK")},
       {"https://kovi.app/k/KOVI-2026-0501-WALK/?utm=x", std::string("KOVI-2026-0501-WALK")},
-      {"KOVI-ABC", std::nullopt}, {"kovi-2026-0501-walk", std::nullopt},
-      {"https://kovi.app/", std::nullopt},
+      {"KOVI-ABC", std::nullopt}, {"kovi-2026-0501-walk", std::nullopt}, {"https://kovi.app/", std::nullopt},
       {"merhaba", std::nullopt},
   };
   for (const auto& c : cases) {
