@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace kovi {
 namespace {
 
@@ -15,13 +13,8 @@ TEST(Base64Test, EncodesAndDecodesThePublishedVectorsInBothAlphabets) {
     std::string_view standard;
     std::string_view url;
   } vectors[] = {
-      {"", "", ""},
-      {"f", "Zg==", "Zg"},
-      {"fo", "Zm8=", "Zm8"},
-      {"foo", "Zm9v", "Zm9v"},
-      {"foob", "Zm9vYg==", "Zm9vYg"},
-      {"fooba", "Zm9vYmE=", "Zm9vYmE"},
-      {"foobar", "Zm9vYmFy", "Zm9vYmFy"},
+      {"", "", ""}, {"f", "Zg==", "Zg"}, {"fo", "Zm8=", "Zm8"}, {"foo", "Zm9v", "Zm9v"},
+      {"foob", "Zm9vYg==", "Zm9vYg"}, {"fooba", "Zm9vYmE=", "Zm9vYmE"}, {"foobar", "Zm9vYmFy", "Zm9vYmFy"},
       // The two alphabets differ only in the last two letters.
       {"\xfb\xff\xbf", "+/+/", "-_-_"},
   };
@@ -49,19 +42,12 @@ TEST(Base64Test, RefusesEveryTextThatIsNotTheCanonicalSpelling) {
     bool url;
     const char* why;
   } refused[] = {
-      {"Zg", false, "padding missing"},
-      {"Zg=", false, "padding short"},
-      {"Zh==", false, "bits after the last byte"},
-      {"Zm9=", false, "bits after the last two bytes"},
-      {"Z===", false, "one character cannot hold a byte"},
-      {"Zg==Zg==", false, "padding in the middle"},
-      {"Zm9v\n", false, "line break"},
-      {"Zm-v", false, "url letter in standard text"},
-      {"Zg==", true, "padding in url text"},
-      {"Zh", true, "bits after the last byte"},
-      {"Z", true, "one character cannot hold a byte"},
-      {"Zm+v", true, "standard letter in url text"},
-      {std::string_view("Zm\0v", 4), false, "NUL byte"},
+      {"Zg", false, "padding missing"}, {"Zg=", false, "padding short"}, {"Zh==", false, "bits after the last byte"},
+      {"Zm9=", false, "bits after the last two bytes"}, {"Z===", false, "one character cannot hold a byte"},
+      {"Zg==Zg==", false, "padding in the middle"}, {"Zm9v\n", false, "line break"},
+      {"Zm-v", false, "url letter in standard text"}, {"Zg==", true, "padding in url text"},
+      {"Zh", true, "bits after the last byte"}, {"Z", true, "one character cannot hold a byte"},
+      {"Zm+v", true, "standard letter in url text"}, {std::string_view("Zm\0v", 4), false, "NUL byte"},
   };
   for (const auto& c : refused) {
     SCOPED_TRACE(c.why);

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <optional>
-#include <string>
 
 namespace kovi {
 namespace {
@@ -38,18 +36,12 @@ TEST(CalendarTest, DateAtResolvesWallTimes) {
       // 01:30 happens twice on 2026-11-01: the first occurrence (daylight time) wins.
       {"America/New_York", "2026-11-01", 90, "2026-11-01T01:30:00-04:00"},
       {"America/New_York", "2026-11-01", 1440, "2026-11-02T00:00:00-05:00"},
-      {"Europe/Istanbul", "2026-02-30", 0, std::nullopt},
-      {"Europe/Istanbul", "2026-11-22", -1, std::nullopt},
-      {"Europe/Istanbul", "2026-11-2", 0, std::nullopt},
-      {"Europe/Istanbul", "+026-11-22", 0, std::nullopt},
+      {"Europe/Istanbul", "2026-02-30", 0, std::nullopt}, {"Europe/Istanbul", "2026-11-22", -1, std::nullopt},
+      {"Europe/Istanbul", "2026-11-2", 0, std::nullopt}, {"Europe/Istanbul", "+026-11-22", 0, std::nullopt},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.zone) + " " + c.day + " +" + std::to_string(c.minute));
-    const auto date = calendarIn(c.zone).dateAt(c.day, c.minute);
-    ASSERT_EQ(date.has_value(), c.expected.has_value());
-    if (date) {
-      EXPECT_EQ(date->unixMillis(), instant(*c.expected));
-    }
+    EXPECT_EQ(calendarIn(c.zone).dateAt(c.day, c.minute).transform(&Date::unixMillis), c.expected.transform(instant));
   }
 }
 

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-#include <string>
-
 #include "KoviKit/foundation/CanonicalJsonWriter.h"
 
 namespace kovi {

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "tests/support/TemporaryDirectory.h"
 
 namespace kovi {

@@ -1,11 +1,9 @@
 #include "KoviKit/foundation/Json.h"
+#include "tests/support/Refusal.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <optional>
-#include <string>
-#include <vector>
 
 namespace kovi {
 namespace {
@@ -63,9 +61,7 @@ TEST(JsonTest, RefusalsNameThePathAndTheReason) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.json);
-    const auto decoded = decodeJsonText<std::vector<Kitten>>(c.json);
-    ASSERT_FALSE(decoded.has_value());
-    EXPECT_EQ(decoded.error().message(), c.message);
+    EXPECT_EQ(testing::refusalOf(decodeJsonText<std::vector<Kitten>>(c.json)), c.message);
   }
 }
 

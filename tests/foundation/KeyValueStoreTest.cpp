@@ -4,8 +4,6 @@
 
 #include <chrono>
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/foundation/FileKeyValueStore.h"

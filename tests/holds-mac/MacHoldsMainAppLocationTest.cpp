@@ -18,12 +18,8 @@ struct LocationCase {
   std::optional<std::filesystem::path> expected;
 };
 
-void PrintTo(const LocationCase& row, std::ostream* out) { *out << row.name; }
-
-class MacHoldsMainAppLocationTest : public testing::TestWithParam<LocationCase> {};
-
-TEST_P(MacHoldsMainAppLocationTest, FindsTheMainApp) {
-  const LocationCase& row = GetParam();
+void expectFound(const LocationCase& row) {
+  SCOPED_TRACE(row.name);
   std::vector<std::string> askedFor;
   const MacHoldsBundleLookup lookup{
       .bundleIdentifierAt = [&](const std::filesystem::path& bundle) -> std::optional<std::string> {
@@ -44,9 +40,8 @@ const std::filesystem::path kAgent = "/Applications/Kovi.app/Contents/Library/Lo
 const std::filesystem::path kDevelopment = "/Users/ada/Build/Kovi.app";
 const std::filesystem::path kDevelopmentAgent = "/Users/ada/Build/Kovi.app/Contents/Library/LoginItems/kovi-holds.app";
 
-INSTANTIATE_TEST_SUITE_P(
-    Locations, MacHoldsMainAppLocationTest,
-    testing::Values(
+TEST(MacHoldsMainAppLocationTest, FindsTheMainApp) {
+  for (const LocationCase& row : {
         LocationCase{"EnclosingAppWins", kDevelopmentAgent, {{kDevelopment, kMain}}, kInstalled, kDevelopment},
         LocationCase{"BundleUrlWithTrailingSlash", kDevelopmentAgent.string() + "/", {{kDevelopment, kMain}},
                      kInstalled, kDevelopment},
@@ -55,13 +50,13 @@ INSTANTIATE_TEST_SUITE_P(
         LocationCase{"NoBundleAroundTheAgent", kDevelopmentAgent, {}, kInstalled, kInstalled},
         // Three or five folders up is not where the main app keeps its agent.
         LocationCase{"OnlyFourFoldersUpCounts", "/Users/ada/Build/Kovi.app/Contents/LoginItems/kovi-holds.app",
-                     {{kDevelopment, kMain}, {"/Users/ada", kMain}}, std::nullopt,
-                     std::nullopt},
+                     {{kDevelopment, kMain}, {"/Users/ada", kMain}}, std::nullopt, std::nullopt},
         LocationCase{"AgentOutsideAnyApp", "/kovi-holds.app", {{"/", kMain}}, kInstalled, kInstalled},
         LocationCase{"AgentJustBelowTheRoot", "/Contents/Library/LoginItems/kovi-holds.app", {{"/", kMain}},
                      std::nullopt, std::nullopt},
-        LocationCase{"NeitherExists", kAgent, {}, std::nullopt, std::nullopt}),
-    [](const testing::TestParamInfo<LocationCase>& info) { return info.param.name; });
+        LocationCase{"NeitherExists", kAgent, {}, std::nullopt, std::nullopt}})
+    expectFound(row);
+}
 
 }  // namespace
 }  // namespace kovi::holds

@@ -29,20 +29,10 @@ Calendar utc() { return *Calendar::inZone("UTC"); }
 
 const Date kUntil = Date::fromUnixMillis(1'780'000'000'000.0);
 
-struct ShieldCase {
-  std::string name;
-  MacHoldsShieldView view;
-};
-
-void PrintTo(const ShieldCase& row, std::ostream* out) { *out << row.name; }
-
-class MacHoldsShieldLayoutTest : public testing::TestWithParam<ShieldCase> {
- protected:
-  Layout place(const MacHoldsShieldView& view) const {
-    const auto texts = MacHoldsShieldTexts::of(view, PurrlFontStore(), utc());
-    return Layout::place(view.buttons(), MacHoldsShieldMeasures::of(texts, fakeMeasure));
-  }
-};
+Layout place(const MacHoldsShieldView& view) {
+  const auto texts = MacHoldsShieldTexts::of(view, PurrlFontStore(), utc());
+  return Layout::place(view.buttons(), MacHoldsShieldMeasures::of(texts, fakeMeasure));
+}
 
 void expectInsidePanel(const MacHoldsShieldRect& rect, const Layout& layout, std::string_view what) {
   SCOPED_TRACE(what);
@@ -57,8 +47,8 @@ void expectCentred(double left, double right, std::string_view what) {
   EXPECT_NEAR(left, Layout::width - right, 1e-9);
 }
 
-TEST_P(MacHoldsShieldLayoutTest, StacksCentredRowsInsideThePanel) {
-  const Layout layout = place(GetParam().view);
+void expectStackedAndCentred(const MacHoldsShieldView& view) {
+  const Layout layout = place(view);
   EXPECT_EQ(layout.size.width, Layout::width);
   EXPECT_GE(layout.size.height, Layout::minimumHeight);
 
@@ -79,18 +69,17 @@ TEST_P(MacHoldsShieldLayoutTest, StacksCentredRowsInsideThePanel) {
   EXPECT_DOUBLE_EQ(layout.size.height, layout.buttons[0].frame.maxY() + 24);
 
   // Each row is centred.
-  expectCentred(layout.cat.x, layout.cat.maxX(), "cat");
-  expectCentred(layout.label.x, layout.label.maxX(), "label");
-  expectCentred(layout.headline.x, layout.headline.maxX(), "headline");
-  expectCentred(layout.clock.x, layout.time.maxX(), "clock and time");
-  expectCentred(layout.footnote.x, layout.footnote.maxX(), "footnote");
-  expectCentred(layout.buttons[0].frame.x, layout.buttons[1].frame.maxX(), "buttons");
+  const std::tuple<MacHoldsShieldRect, MacHoldsShieldRect, std::string_view> rows[] = {
+      {layout.cat, layout.cat, "cat"}, {layout.label, layout.label, "label"},
+      {layout.headline, layout.headline, "headline"}, {layout.clock, layout.time, "clock and time"},
+      {layout.footnote, layout.footnote, "footnote"}, {layout.buttons[0].frame, layout.buttons[1].frame, "buttons"}};
+  for (const auto& [first, last, what] : rows) expectCentred(first.x, last.maxX(), what);
   // The caption sits beside the cat, not on it.
   EXPECT_GT(layout.caption.x, layout.cat.maxX());
   EXPECT_LT(layout.caption.y, layout.cat.maxY());
 
   // The buttons hold their symbol and title.
-  const auto buttons = GetParam().view.buttons();
+  const auto buttons = view.buttons();
   EXPECT_LT(layout.buttons[0].frame.maxX(), layout.buttons[1].frame.x);
   for (std::size_t index = 0; index < buttons.size(); ++index) {
     SCOPED_TRACE(buttons[index].title);
@@ -113,15 +102,17 @@ TEST_P(MacHoldsShieldLayoutTest, StacksCentredRowsInsideThePanel) {
 
 const MacHoldsShieldView kDiscordStudy = shield(MacHoldsDue::study(kUntil), "Discord");
 
-INSTANTIATE_TEST_SUITE_P(
-    Holds, MacHoldsShieldLayoutTest,
-    testing::Values(ShieldCase{"StudyWithName", kDiscordStudy},
-                    ShieldCase{"SleepWithoutName", shield(MacHoldsDue::sleep(kUntil), std::nullopt)},
-                    ShieldCase{"ExamWeek", shield(MacHoldsDue::social(kUntil), "Safari")},
-                    ShieldCase{"NameThatWrapsTheHeadline",
-                               shield(MacHoldsDue::social(kUntil), "A Very Long Application Name For Chatting")},
-                    ShieldCase{"HoldWithoutEnd", shield({MacHoldsDue::Kind::study, std::nullopt}, "Discord")}),
-    [](const testing::TestParamInfo<ShieldCase>& info) { return info.param.name; });
+TEST(MacHoldsShieldLayoutTest, StacksCentredRowsInsideThePanel) {
+  const std::pair<const char*, MacHoldsShieldView> cases[] = {
+      {"StudyWithName", kDiscordStudy}, {"SleepWithoutName", shield(MacHoldsDue::sleep(kUntil), std::nullopt)},
+      {"ExamWeek", shield(MacHoldsDue::social(kUntil), "Safari")},
+      {"NameThatWrapsTheHeadline", shield(MacHoldsDue::social(kUntil), "A Very Long Application Name For Chatting")},
+      {"HoldWithoutEnd", shield({MacHoldsDue::Kind::study, std::nullopt}, "Discord")}};
+  for (const auto& [name, view] : cases) {
+    SCOPED_TRACE(name);
+    expectStackedAndCentred(view);
+  }
+}
 
 TEST(MacHoldsShieldLayout, TallerTextsPushOnlyWhatIsBelowThem) {
   const auto texts = MacHoldsShieldTexts::of(kDiscordStudy, PurrlFontStore(), utc());

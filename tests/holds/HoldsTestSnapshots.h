@@ -35,17 +35,8 @@ inline MacHoldsSnapshot examWeekSnapshot() {
   snapshot.syncedAt = at("2026-11-20T08:00:00+03:00");
   snapshot.keepCommunication = true;
   snapshot.examWeek = MacHoldsSnapshot::ExamWeek{
-      .startDay = "2026-11-20",
-      .endDay = "2026-11-26",
-      .days = 7,
-      .firstMinute = 9 * 60,
-      .secondMinute = 14 * 60,
-      .blockMinutes = 150,
-      .sleepStart = 23 * 60,
-      .sleepEnd = 7 * 60,
-      .socialMinutes = 45,
-      .strictness = "committed",
-  };
+      .startDay = "2026-11-20", .endDay = "2026-11-26", .days = 7, .firstMinute = 9 * 60, .secondMinute = 14 * 60,
+      .blockMinutes = 150, .sleepStart = 23 * 60, .sleepEnd = 7 * 60, .socialMinutes = 45, .strictness = "committed"};
   return snapshot;
 }
 

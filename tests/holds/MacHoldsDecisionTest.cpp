@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
-#include <string>
-
 #include "tests/holds/HoldsTestSnapshots.h"
 
 namespace kovi::holds {
@@ -18,7 +15,6 @@ MacHoldsSnapshotLoad noSnapshot(MacHoldsSnapshotFailure::Kind kind) {
 }
 
 struct DecisionCase {
-  friend void PrintTo(const DecisionCase& c, std::ostream* out) { *out << c.name; }
   const char* name;
   MacHoldsSnapshotLoad snapshot;
   const char* now;
@@ -27,10 +23,8 @@ struct DecisionCase {
   MacHoldsDue due;
 };
 
-class DecisionTest : public ::testing::TestWithParam<DecisionCase> {};
-
-TEST_P(DecisionTest, DecidesAsTheEngine) {
-  const DecisionCase& c = GetParam();
+void expectDecidesAsTheEngine(const DecisionCase& c) {
+  SCOPED_TRACE(c.name);
   const Calendar calendar = calendarIn("Europe/Istanbul");
   const MacHoldsEvaluation evaluation = evaluateMacHolds(c.snapshot, at(c.now), calendar, c.mainAppRunning);
   EXPECT_EQ(enumName(evaluation.action.kind()), enumName(c.action));
@@ -45,9 +39,8 @@ TEST_P(DecisionTest, DecidesAsTheEngine) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Decision, DecisionTest,
-    ::testing::Values(
+TEST(DecisionTest, DecidesAsTheEngine) {
+  for (const DecisionCase& c : {
         DecisionCase{"MissingFileExits", noSnapshot(MacHoldsSnapshotFailure::Kind::missing),
                      "2026-11-22T10:00:00+03:00", false, ActionKind::exit, MacHoldsDue::none()},
         DecisionCase{"StudyBlockHolds", examWeekSnapshot(), "2026-11-22T10:00:00+03:00", false, ActionKind::hold,
@@ -64,8 +57,9 @@ INSTANTIATE_TEST_SUITE_P(
                      ActionKind::standBy, MacHoldsDue::none()},
         // After the exam week the agent exits, even while the main app runs.
         DecisionCase{"ExitsEvenWhileTheMainAppRuns", examWeekSnapshot(), "2026-11-27T08:00:00+03:00", true,
-                     ActionKind::exit, MacHoldsDue::none()}),
-    [](const auto& info) { return std::string(info.param.name); });
+                     ActionKind::exit, MacHoldsDue::none()}})
+    expectDecidesAsTheEngine(c);
+}
 
 }  // namespace
 }  // namespace kovi::holds

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <memory>
-#include <string>
 
 #include "KoviMacHolds/platform/linux/CairoShieldPainter.h"
 #include "tests/holds_agent/MacHoldsFakes.h"

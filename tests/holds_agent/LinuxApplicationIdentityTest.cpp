@@ -28,8 +28,7 @@ TEST(X11ApplicationIdentity, LinuxBuildsOfMacAppsCarryTheirMacIdentifiers) {
       {{"org.gnome.Nautilus", "Org.gnome.Nautilus"}, "x11:org.gnome.nautilus", "Org.gnome.Nautilus", true},
       {{"", "Gnome-control-center"}, "x11:gnome-control-center", "Gnome-control-center", true},
       // Everything else keeps its class as given.
-      {{"gimp", "Gimp"}, "x11:Gimp", "Gimp"},
-      {{"xterm", ""}, "x11:xterm", "xterm"},
+      {{"gimp", "Gimp"}, "x11:Gimp", "Gimp"}, {{"xterm", ""}, "x11:xterm", "xterm"},
       // No class at all: no application.
       {{"", ""}, "", ""},
   };
@@ -66,10 +65,8 @@ TEST(WaylandApplicationIdentity, AppIdsOfNativeAndFlatpakBuildsShareTheTable) {
     bool isDesktopPart = false;
   };
   const Case cases[] = {
-      {"discord", "com.hnc.Discord", "Discord"},
-      {"com.discordapp.Discord", "com.hnc.Discord", "Discord"},
-      {"firefox", "org.mozilla.firefox", "Firefox"},
-      {"org.mozilla.firefox", "org.mozilla.firefox", "Firefox"},
+      {"discord", "com.hnc.Discord", "Discord"}, {"com.discordapp.Discord", "com.hnc.Discord", "Discord"},
+      {"firefox", "org.mozilla.firefox", "Firefox"}, {"org.mozilla.firefox", "org.mozilla.firefox", "Firefox"},
       {"com.visualstudio.code", "com.microsoft.VSCode", "Visual Studio Code"},
       // The desktop's own parts, by app_id in lower case.
       {"org.gnome.Nautilus", "wayland:org.gnome.nautilus", "org.gnome.Nautilus", true},

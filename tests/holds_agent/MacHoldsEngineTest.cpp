@@ -1,17 +1,18 @@
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "KoviMacHolds/MacHoldsIdentity.h"
 #include "tests/holds_agent/MacHoldsFakes.h"
 
 namespace kovi::holds::testing {
 namespace {
 
-using ::testing::TestWithParam;
-
-TEST(MacHoldsEngine, StartsObservingAndTicksEveryFiveSeconds) {
+// Every story starts from a fresh agent over the fakes.
+class MacHoldsEngineTest : public ::testing::Test {
+ protected:
   FakeAgent agent;
+};
+
+TEST_F(MacHoldsEngineTest, StartsObservingAndTicksEveryFiveSeconds) {
   auto delegate = agent.launchAt("2026-11-23T10:00", examWeekJson());
 
   EXPECT_FALSE(agent.runLoop.hasExited());
@@ -25,8 +26,7 @@ TEST(MacHoldsEngine, StartsObservingAndTicksEveryFiveSeconds) {
   EXPECT_EQ(agent.log, std::vector<std::string>{"hold study until 11:30"});
 }
 
-TEST(MacHoldsEngine, SecondCopyExitsAtOnceWithoutObservingAnything) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, SecondCopyExitsAtOnceWithoutObservingAnything) {
   agent.workspace.anotherAgent = true;
   auto delegate = agent.launchAt("2026-11-23T10:00", examWeekJson());
 
@@ -52,8 +52,6 @@ struct DecisionCase {
   const char* logLine;
 };
 
-void PrintTo(const DecisionCase& decision, std::ostream* out) { *out << decision.name; }
-
 const DecisionCase kDecisions[] = {
     {"studyBlockHoldsAllowList", examWeekJson(), "2026-11-23T10:00", false, std::nullopt, true, true,
      "hold study until 11:30"},
@@ -69,33 +67,29 @@ const DecisionCase kDecisions[] = {
      "exit: nothing left to hold"},
 };
 
-class MacHoldsEngineDecision : public TestWithParam<DecisionCase> {};
+TEST(MacHoldsEngineDecision, CarriesOutTheAction) {
+  for (const DecisionCase& decision : kDecisions) {
+    SCOPED_TRACE(decision.name);
+    FakeAgent agent;
+    agent.now = istanbul(decision.localTime);
+    if (decision.snapshot) agent.writeSnapshot(*decision.snapshot);
+    if (decision.mainAppRunning) agent.workspace.launch(std::string(kMacHoldsMainAppBundleID), "Kovi");
+    auto delegate = agent.launch();
 
-TEST_P(MacHoldsEngineDecision, CarriesOutTheAction) {
-  const DecisionCase& decision = GetParam();
-  FakeAgent agent;
-  agent.now = istanbul(decision.localTime);
-  if (decision.snapshot) agent.writeSnapshot(*decision.snapshot);
-  if (decision.mainAppRunning) agent.workspace.launch(std::string(kMacHoldsMainAppBundleID), "Kovi");
-  auto delegate = agent.launch();
-
-  EXPECT_EQ(agent.runLoop.status, decision.exitStatus);
-  const MacHoldsAppGuard& guardian = delegate->engine()->guardian();
-  EXPECT_EQ(guardian.plan().has_value(), decision.holding);
-  EXPECT_EQ(guardian.isObservingFront(), decision.holding);
-  if (decision.allowlist) {
-    ASSERT_TRUE(guardian.plan());
-    EXPECT_EQ(guardian.plan()->allowlist, *decision.allowlist);
+    EXPECT_EQ(agent.runLoop.status, decision.exitStatus);
+    const MacHoldsAppGuard& guardian = delegate->engine()->guardian();
+    EXPECT_EQ(guardian.plan().has_value(), decision.holding);
+    EXPECT_EQ(guardian.isObservingFront(), decision.holding);
+    if (decision.allowlist) {
+      ASSERT_TRUE(guardian.plan());
+      EXPECT_EQ(guardian.plan()->allowlist, *decision.allowlist);
+    }
+    ASSERT_FALSE(agent.log.empty());
+    EXPECT_EQ(agent.log.back(), decision.logLine);
   }
-  ASSERT_FALSE(agent.log.empty());
-  EXPECT_EQ(agent.log.back(), decision.logLine);
 }
 
-INSTANTIATE_TEST_SUITE_P(Snapshots, MacHoldsEngineDecision, ::testing::ValuesIn(kDecisions),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-TEST(MacHoldsEngine, ReplacedExecutableStopsTheGuardAndExitsWith75) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, ReplacedExecutableStopsTheGuardAndExitsWith75) {
   agent.workspace.launchInFront("com.hnc.Discord", "Discord");
   auto delegate = agent.launchAt("2026-11-23T12:00", examWeekJson());
   ASSERT_TRUE(agent.shield->visible);
@@ -118,8 +112,7 @@ TEST(MacHoldsEngine, ReplacedExecutableStopsTheGuardAndExitsWith75) {
   EXPECT_EQ(agent.log.back(), "exit: the agent's executable was replaced; restarting");
 }
 
-TEST(MacHoldsEngine, StandsByWhileTheMainAppRunsAndHoldsAtOnceWhileItIsGone) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, StandsByWhileTheMainAppRunsAndHoldsAtOnceWhileItIsGone) {
   const pid_t kovi = agent.workspace.launch(std::string(kMacHoldsMainAppBundleID), "Kovi");
   const pid_t discord = agent.workspace.launchInFront("com.hnc.Discord", "Discord");
   auto delegate = agent.launchAt("2026-11-23T12:00", examWeekJson());
@@ -143,16 +136,14 @@ TEST(MacHoldsEngine, StandsByWhileTheMainAppRunsAndHoldsAtOnceWhileItIsGone) {
   EXPECT_EQ(agent.workspace.observerCount(MacWorkspaceEvent::didActivateApplication), 0u);
 }
 
-TEST(MacHoldsEngine, TerminatedMainAppStillListedDoesNotKeepTheAgentStandingBy) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, TerminatedMainAppStillListedDoesNotKeepTheAgentStandingBy) {
   agent.workspace.applications.push_back(
       {77, std::string(kMacHoldsMainAppBundleID), "Kovi", MacActivationPolicy::regular, true});
   auto delegate = agent.launchAt("2026-11-23T12:00", examWeekJson());
   EXPECT_TRUE(delegate->engine()->guardian().plan());
 }
 
-TEST(MacHoldsEngine, RepeatedDecisionsAreLoggedOnceANewHoldAgainAndTheEndOfTheWeekExits) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, RepeatedDecisionsAreLoggedOnceANewHoldAgainAndTheEndOfTheWeekExits) {
   auto delegate = agent.launchAt("2026-11-23T10:00", examWeekJson());
   agent.runLoop.tick();
   agent.workspace.wake();
@@ -168,8 +159,7 @@ TEST(MacHoldsEngine, RepeatedDecisionsAreLoggedOnceANewHoldAgainAndTheEndOfTheWe
   EXPECT_EQ(agent.log.back(), "exit: nothing left to hold");
 }
 
-TEST(MacHoldsEngine, CallbacksOfAGoneEngineDoNothing) {
-  FakeAgent agent;
+TEST_F(MacHoldsEngineTest, CallbacksOfAGoneEngineDoNothing) {
   agent.launchAt("2026-11-23T10:00", examWeekJson());
   // The engine removed its observers and timer on the way out.
   EXPECT_TRUE(agent.runLoop.timers.empty());

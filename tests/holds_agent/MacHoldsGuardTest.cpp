@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <string>
 
 #include "KoviMacHolds/MacHoldsGuard.h"
 #include "KoviMacHolds/MacHoldsIdentity.h"
@@ -23,12 +22,8 @@ MacFocus2EnforcementPlan planFor(const MacHoldsDue& due, bool keepCommunication)
 struct GuardFixture {
   FakeAgent agent;
   std::shared_ptr<MacHoldsAppGuard> guardian = std::make_shared<MacHoldsAppGuard>(MacHoldsGuardContext{
-      .workspace = agent.workspace,
-      .makeShieldPanel = agent.platform().makeShieldPanel,
-      .log = [this](std::string_view line) { agent.log.emplace_back(line); },
-      .clock = agent.clock(),
-      .catStage = {},
-  });
+      .workspace = agent.workspace, .makeShieldPanel = agent.platform().makeShieldPanel,
+      .log = [this](std::string_view line) { agent.log.emplace_back(line); }, .clock = agent.clock(), .catStage = {}});
 
   void hold(const MacHoldsDue& due, bool keepCommunication = false) {
     guardian->apply(due, planFor(due, keepCommunication));
@@ -51,7 +46,6 @@ struct FrontCase {
   MacActivationPolicy policy = MacActivationPolicy::regular;
 };
 
-void PrintTo(const FrontCase& front, std::ostream* out) { *out << front.name; }
 using Kind = MacHoldsDue::Kind;
 
 const FrontCase kFrontCases[] = {
@@ -74,123 +68,116 @@ const FrontCase kFrontCases[] = {
     {"socialLeavesAnUnknownApp", Kind::social, true, "x11:Gimp", false},
 };
 
-class MacHoldsGuardFront : public ::testing::TestWithParam<FrontCase> {};
+TEST(MacHoldsGuardFront, HidesOnlyHeldApplications) {
+  for (const FrontCase& front : kFrontCases) {
+    SCOPED_TRACE(front.name);
+    GuardFixture fixture;
+    fixture.hold({front.due, kStudyEnd}, front.keepCommunication);
+    const pid_t pid = fixture.frontApp(front.bundleIdentifier, "Some App", front.policy);
 
-TEST_P(MacHoldsGuardFront, HidesOnlyHeldApplications) {
-  const FrontCase& front = GetParam();
-  GuardFixture fixture;
-  fixture.hold({front.due, kStudyEnd}, front.keepCommunication);
-  const pid_t pid = fixture.frontApp(front.bundleIdentifier, "Some App", front.policy);
-
-  EXPECT_EQ(fixture.agent.workspace.hidden == std::vector<pid_t>{pid}, front.hidden);
-  EXPECT_EQ(fixture.guardian->isShieldVisible(), front.hidden);
-  if (front.hidden) {
-    EXPECT_EQ(fixture.guardian->shieldAppName(), "Some App");
+    EXPECT_EQ(fixture.agent.workspace.hidden == std::vector<pid_t>{pid}, front.hidden);
+    EXPECT_EQ(fixture.guardian->isShieldVisible(), front.hidden);
+    if (front.hidden) {
+      EXPECT_EQ(fixture.guardian->shieldAppName(), "Some App");
+    }
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Plans, MacHoldsGuardFront, ::testing::ValuesIn(kFrontCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+class MacHoldsGuard : public ::testing::Test, public GuardFixture {};
 
-TEST(MacHoldsGuard, HeldAppAlreadyInFrontIsHiddenWhenTheHoldStarts) {
-  GuardFixture fixture;
-  const pid_t discord = fixture.agent.workspace.launchInFront("com.hnc.Discord", "Discord");
-  fixture.hold(MacHoldsDue::sleep(kStudyEnd));
+TEST_F(MacHoldsGuard, HeldAppAlreadyInFrontIsHiddenWhenTheHoldStarts) {
+  const pid_t discord = agent.workspace.launchInFront("com.hnc.Discord", "Discord");
+  hold(MacHoldsDue::sleep(kStudyEnd));
 
-  EXPECT_EQ(fixture.agent.workspace.hidden, std::vector<pid_t>{discord});
-  EXPECT_TRUE(fixture.guardian->isShieldVisible());
-  EXPECT_EQ(fixture.agent.log, std::vector<std::string>{"hold sleep until 12:50 — hid Discord"});
+  EXPECT_EQ(agent.workspace.hidden, std::vector<pid_t>{discord});
+  EXPECT_TRUE(guardian->isShieldVisible());
+  EXPECT_EQ(agent.log, std::vector<std::string>{"hold sleep until 12:50 — hid Discord"});
 }
 
-TEST(MacHoldsGuard, ApplicationThatRefusesToHideGetsNoShield) {
-  GuardFixture fixture;
-  fixture.hold(MacHoldsDue::social(kStudyEnd));
-  const pid_t stubborn = fixture.agent.workspace.launch("com.hnc.Discord", "Discord");
-  fixture.agent.workspace.refusesToHide.insert(stubborn);
-  fixture.agent.workspace.activate(stubborn);
+TEST_F(MacHoldsGuard, ApplicationThatRefusesToHideGetsNoShield) {
+  hold(MacHoldsDue::social(kStudyEnd));
+  const pid_t stubborn = agent.workspace.launch("com.hnc.Discord", "Discord");
+  agent.workspace.refusesToHide.insert(stubborn);
+  agent.workspace.activate(stubborn);
 
-  EXPECT_TRUE(fixture.agent.workspace.hidden.empty());
-  EXPECT_FALSE(fixture.guardian->isShieldVisible());
-  EXPECT_EQ(fixture.agent.shield->created, 0);
-  EXPECT_EQ(fixture.agent.log, std::vector<std::string>{"hold social until 12:50 — Discord did not hide; left alone"});
+  EXPECT_TRUE(agent.workspace.hidden.empty());
+  EXPECT_FALSE(guardian->isShieldVisible());
+  EXPECT_EQ(agent.shield->created, 0);
+  EXPECT_EQ(agent.log, std::vector<std::string>{"hold social until 12:50 — Discord did not hide; left alone"});
 }
 
-TEST(MacHoldsGuard, SparedAppHidesTheShieldAndSwitchingBackShowsItAgain) {
-  GuardFixture fixture;
-  fixture.hold(MacHoldsDue::sleep(kStudyEnd));
-  const pid_t discord = fixture.frontApp("com.hnc.Discord", "Discord");
-  ASSERT_TRUE(fixture.guardian->isShieldVisible());
+TEST_F(MacHoldsGuard, SparedAppHidesTheShieldAndSwitchingBackShowsItAgain) {
+  hold(MacHoldsDue::sleep(kStudyEnd));
+  const pid_t discord = frontApp("com.hnc.Discord", "Discord");
+  ASSERT_TRUE(guardian->isShieldVisible());
 
-  fixture.frontApp("com.apple.finder", "Finder");
-  EXPECT_FALSE(fixture.guardian->isShieldVisible());
+  frontApp("com.apple.finder", "Finder");
+  EXPECT_FALSE(guardian->isShieldVisible());
 
-  fixture.agent.workspace.activate(discord);
-  EXPECT_TRUE(fixture.guardian->isShieldVisible());
-  EXPECT_EQ(fixture.agent.workspace.hidden, (std::vector<pid_t>{discord, discord}));
+  agent.workspace.activate(discord);
+  EXPECT_TRUE(guardian->isShieldVisible());
+  EXPECT_EQ(agent.workspace.hidden, (std::vector<pid_t>{discord, discord}));
   // One panel, ordered in and out.
-  EXPECT_EQ(fixture.agent.shield->created, 1);
+  EXPECT_EQ(agent.shield->created, 1);
 }
 
-TEST(MacHoldsGuard, RepeatedPlanDisturbsNothingAndAMovedPlanRechecksTheFront) {
-  GuardFixture fixture;
-  fixture.agent.workspace.launchInFront("com.hnc.Discord", "Discord");
-  fixture.hold(MacHoldsDue::sleep(kStudyEnd));
-  ASSERT_EQ(fixture.agent.workspace.hidden.size(), 1u);
-  const int updates = fixture.agent.shield->contentUpdates;
+TEST_F(MacHoldsGuard, RepeatedPlanDisturbsNothingAndAMovedPlanRechecksTheFront) {
+  agent.workspace.launchInFront("com.hnc.Discord", "Discord");
+  hold(MacHoldsDue::sleep(kStudyEnd));
+  ASSERT_EQ(agent.workspace.hidden.size(), 1u);
+  const int updates = agent.shield->contentUpdates;
 
-  fixture.hold(MacHoldsDue::sleep(kStudyEnd));
-  fixture.hold(MacHoldsDue::sleep(kStudyEnd));
-  EXPECT_EQ(fixture.agent.workspace.hidden.size(), 1u);
-  EXPECT_EQ(fixture.agent.shield->contentUpdates, updates);
-  EXPECT_EQ(fixture.agent.workspace.observerCount(MacWorkspaceEvent::didActivateApplication), 1u);
+  hold(MacHoldsDue::sleep(kStudyEnd));
+  hold(MacHoldsDue::sleep(kStudyEnd));
+  EXPECT_EQ(agent.workspace.hidden.size(), 1u);
+  EXPECT_EQ(agent.shield->contentUpdates, updates);
+  EXPECT_EQ(agent.workspace.observerCount(MacWorkspaceEvent::didActivateApplication), 1u);
 
   // A new end makes a new run: the visible shield is refreshed and the front re-checked.
   const MacHoldsDue later = MacHoldsDue::sleep(kStudyEnd.addingMillis(3'600'000));
-  fixture.hold(later);
-  EXPECT_EQ(fixture.agent.workspace.hidden.size(), 2u);
-  ASSERT_TRUE(fixture.agent.shield->content);
-  EXPECT_EQ(fixture.agent.shield->content->due, later);
+  hold(later);
+  EXPECT_EQ(agent.workspace.hidden.size(), 2u);
+  ASSERT_TRUE(agent.shield->content);
+  EXPECT_EQ(agent.shield->content->due, later);
 }
 
-TEST(MacHoldsGuard, StopRemovesTheObserverThePlanAndTheShield) {
-  GuardFixture fixture;
-  fixture.hold(MacHoldsDue::sleep(kStudyEnd));
-  const pid_t discord = fixture.frontApp("com.hnc.Discord", "Discord");
-  ASSERT_TRUE(fixture.guardian->isShieldVisible());
+TEST_F(MacHoldsGuard, StopRemovesTheObserverThePlanAndTheShield) {
+  hold(MacHoldsDue::sleep(kStudyEnd));
+  const pid_t discord = frontApp("com.hnc.Discord", "Discord");
+  ASSERT_TRUE(guardian->isShieldVisible());
 
-  fixture.guardian->stop();
-  EXPECT_FALSE(fixture.guardian->isShieldVisible());
-  EXPECT_FALSE(fixture.guardian->plan());
-  EXPECT_EQ(fixture.guardian->due(), MacHoldsDue::none());
-  EXPECT_EQ(fixture.agent.workspace.observerCount(MacWorkspaceEvent::didActivateApplication), 0u);
+  guardian->stop();
+  EXPECT_FALSE(guardian->isShieldVisible());
+  EXPECT_FALSE(guardian->plan());
+  EXPECT_EQ(guardian->due(), MacHoldsDue::none());
+  EXPECT_EQ(agent.workspace.observerCount(MacWorkspaceEvent::didActivateApplication), 0u);
 
-  fixture.agent.workspace.activate(discord);
-  EXPECT_EQ(fixture.agent.workspace.hidden.size(), 1u);
+  agent.workspace.activate(discord);
+  EXPECT_EQ(agent.workspace.hidden.size(), 1u);
 }
 
-TEST(MacHoldsGuard, ShieldButtonsHideTheShieldAndOpenKoviOpensTheMainApp) {
-  GuardFixture fixture;
-  fixture.hold(MacHoldsDue::social(kStudyEnd));
-  const pid_t discord = fixture.frontApp("com.hnc.Discord", "Discord");
-  ASSERT_TRUE(fixture.agent.shield->content);
-  const auto buttons = fixture.agent.shield->content->buttons();
+TEST_F(MacHoldsGuard, ShieldButtonsHideTheShieldAndOpenKoviOpensTheMainApp) {
+  hold(MacHoldsDue::social(kStudyEnd));
+  const pid_t discord = frontApp("com.hnc.Discord", "Discord");
+  ASSERT_TRUE(agent.shield->content);
+  const auto buttons = agent.shield->content->buttons();
 
   buttons[1].action();  // Back to focus
-  EXPECT_FALSE(fixture.guardian->isShieldVisible());
-  EXPECT_EQ(fixture.agent.workspace.openMainAppCount, 0);
+  EXPECT_FALSE(guardian->isShieldVisible());
+  EXPECT_EQ(agent.workspace.openMainAppCount, 0);
   // The held application stays hidden: nothing un-hides it.
-  EXPECT_EQ(fixture.agent.workspace.hidden, std::vector<pid_t>{discord});
+  EXPECT_EQ(agent.workspace.hidden, std::vector<pid_t>{discord});
 
-  fixture.agent.workspace.activate(discord);
-  ASSERT_TRUE(fixture.guardian->isShieldVisible());
-  fixture.agent.shield->content->buttons()[0].action();  // Open Kovi
-  EXPECT_FALSE(fixture.guardian->isShieldVisible());
-  EXPECT_EQ(fixture.agent.workspace.openMainAppCount, 1);
+  agent.workspace.activate(discord);
+  ASSERT_TRUE(guardian->isShieldVisible());
+  agent.shield->content->buttons()[0].action();  // Open Kovi
+  EXPECT_FALSE(guardian->isShieldVisible());
+  EXPECT_EQ(agent.workspace.openMainAppCount, 1);
 
   // A button of a guard that is gone does nothing.
-  fixture.guardian.reset();
+  guardian.reset();
   buttons[0].action();
-  EXPECT_EQ(fixture.agent.workspace.openMainAppCount, 1);
+  EXPECT_EQ(agent.workspace.openMainAppCount, 1);
 }
 
 }  // namespace

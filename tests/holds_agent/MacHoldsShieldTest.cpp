@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-#include <string>
-
 #include "KoviMacHolds/MacHoldsShield.h"
 #include "KoviMacHolds/MacPurrlCat.h"
 #include "KoviMacHolds/PurrlFontStore.h"
@@ -28,8 +25,6 @@ struct TextCase {
   const char* footnote;
 };
 
-void PrintTo(const TextCase& text, std::ostream* out) { *out << text.name; }
-
 const TextCase kTexts[] = {
     {"studyNamed", MacHoldsDue::Kind::study, "Discord", "Study", "Discord is resting during Study", kScheduleFootnote},
     {"sleepNamed", MacHoldsDue::Kind::sleep, "Steam", "Sleep wind-down", "Steam is resting during Sleep wind-down",
@@ -40,24 +35,21 @@ const TextCase kTexts[] = {
      "This app is resting during exam week", kExamWeekFootnote},
 };
 
-class MacHoldsShieldText : public ::testing::TestWithParam<TextCase> {};
-
-TEST_P(MacHoldsShieldText, SaysWhatIsHeldAndWhy) {
-  const TextCase& text = GetParam();
-  const MacHoldsShieldView view{.due = {text.kind, kUntil}, .appName = text.appName, .openKovi = {}, .back = {},
-                                .catStage = std::nullopt};
-  EXPECT_EQ(view.holdLabel(), text.label);
-  EXPECT_EQ(view.headline(), text.headline);
-  EXPECT_EQ(view.footnote(), text.footnote);
-  EXPECT_EQ(view.caption(), "it can wait.");
-  const std::string time = view.timeLine(istanbulCalendar());
-  EXPECT_EQ(time.rfind("Held until ", 0), 0u) << time;
-  // 12:50 in the zone's wall clock, whatever the locale's hour style.
-  EXPECT_NE(time.find("12:50"), std::string::npos) << time;
+TEST(MacHoldsShieldText, SaysWhatIsHeldAndWhy) {
+  for (const TextCase& text : kTexts) {
+    SCOPED_TRACE(text.name);
+    const MacHoldsShieldView view{.due = {text.kind, kUntil}, .appName = text.appName, .openKovi = {}, .back = {},
+                                  .catStage = std::nullopt};
+    EXPECT_EQ(view.holdLabel(), text.label);
+    EXPECT_EQ(view.headline(), text.headline);
+    EXPECT_EQ(view.footnote(), text.footnote);
+    EXPECT_EQ(view.caption(), "it can wait.");
+    const std::string time = view.timeLine(istanbulCalendar());
+    EXPECT_EQ(time.rfind("Held until ", 0), 0u) << time;
+    // 12:50 in the zone's wall clock, whatever the locale's hour style.
+    EXPECT_NE(time.find("12:50"), std::string::npos) << time;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Holds, MacHoldsShieldText, ::testing::ValuesIn(kTexts),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 // What the buttons do is the guard's test.
 TEST(MacHoldsShieldView, ButtonsAreOpenKoviThenBackToFocusWhichIsTheDefault) {
@@ -98,8 +90,6 @@ struct FontCase {
   std::optional<std::string> handFace;
 };
 
-void PrintTo(const FontCase& font, std::ostream* out) { *out << font.name; }
-
 const FontCase kFonts[] = {
     {"nothingStored", nlohmann::json::object(), PurrlFontHeading::kovi, PurrlFontHand::shantell, "Nunito-ExtraBold",
      "ShantellSans-SemiBold"},
@@ -113,20 +103,17 @@ const FontCase kFonts[] = {
      PurrlFontHand::shantell, "Nunito-ExtraBold", "ShantellSans-SemiBold"},
 };
 
-class PurrlFontStoreChoice : public ::testing::TestWithParam<FontCase> {};
-
-TEST_P(PurrlFontStoreChoice, ReadsTheChoicesFromPreferences) {
-  const FontCase& font = GetParam();
-  const MemoryPreferences preferences(font.values);
-  const PurrlFontStore store(preferences);
-  EXPECT_EQ(store.heading(), font.heading);
-  EXPECT_EQ(store.hand(), font.hand);
-  EXPECT_EQ(store.headingFace().postScriptName, font.headingFace);
-  EXPECT_EQ(store.handFace().postScriptName, font.handFace);
+TEST(PurrlFontStoreChoice, ReadsTheChoicesFromPreferences) {
+  for (const FontCase& font : kFonts) {
+    SCOPED_TRACE(font.name);
+    const MemoryPreferences preferences(font.values);
+    const PurrlFontStore store(preferences);
+    EXPECT_EQ(store.heading(), font.heading);
+    EXPECT_EQ(store.hand(), font.hand);
+    EXPECT_EQ(store.headingFace().postScriptName, font.headingFace);
+    EXPECT_EQ(store.handFace().postScriptName, font.handFace);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Preferences, PurrlFontStoreChoice, ::testing::ValuesIn(kFonts),
-                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST(PurrlFontStore, KoviHeadingHasABoldWeightOfItsOwn) {
   const PurrlFontStore store;
@@ -136,13 +123,9 @@ TEST(PurrlFontStore, KoviHeadingHasABoldWeightOfItsOwn) {
 
 TEST(PurrlCatStage, FollowsTheStoredLevelClampedLikeTheApp) {
   const std::pair<nlohmann::json, std::optional<std::string>> cases[] = {
-      {nlohmann::json::object(), std::nullopt},
-      {{{"purrl.cat.level", "2"}}, std::nullopt},
-      {{{"purrl.cat.level", -3}}, "kitten"},
-      {{{"purrl.cat.level", 0}}, "kitten"},
-      {{{"purrl.cat.level", 1}}, "young"},
-      {{{"purrl.cat.level", 2}}, "grown"},
-      {{{"purrl.cat.level", 9}}, "grown"},
+      {nlohmann::json::object(), std::nullopt}, {{{"purrl.cat.level", "2"}}, std::nullopt},
+      {{{"purrl.cat.level", -3}}, "kitten"}, {{{"purrl.cat.level", 0}}, "kitten"},
+      {{{"purrl.cat.level", 1}}, "young"}, {{{"purrl.cat.level", 2}}, "grown"}, {{{"purrl.cat.level", 9}}, "grown"},
   };
   for (const auto& [values, stage] : cases) {
     SCOPED_TRACE(values.dump());

@@ -9,6 +9,7 @@
 
 #include "KoviMacHolds/platform/wayland/SwayIpc.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestData.h"
 
 namespace kovi::holds::wayland {
 namespace {
@@ -32,11 +33,9 @@ TEST(SwayIpc, ReplyHeadersAreCheckedBeforeAnythingIsRead) {
     bool accepted;
   };
   const Case cases[] = {
-      {header("i3-ipc", 2, 4), true},
-      {header("i3-ipc", kSwayMaximumReply, 0), true},
+      {header("i3-ipc", 2, 4), true}, {header("i3-ipc", kSwayMaximumReply, 0), true},
       {header("i3-ipc", kSwayMaximumReply + 1, 0), false},  // would have the agent allocate without bound
-      {header("i3-ipX", 2, 4), false},
-      {header("i3-ipc", 2, 4).substr(0, 13), false},
+      {header("i3-ipX", 2, 4), false}, {header("i3-ipc", 2, 4).substr(0, 13), false},
   };
   for (const auto& entry : cases) {
     const auto decoded = decodeSwayHeader(entry.bytes);
@@ -45,18 +44,7 @@ TEST(SwayIpc, ReplyHeadersAreCheckedBeforeAnythingIsRead) {
   EXPECT_EQ(decodeSwayHeader(header("i3-ipc", 77, 4))->length, 77u);
 }
 
-constexpr std::string_view kTree = R"({"id": 1, "type": "root", "nodes": [
-  {"id": 2, "type": "output", "name": "__i3", "nodes": [
-    {"id": 3, "type": "workspace", "name": "__i3_scratch", "floating_nodes": [
-      {"id": 10, "type": "floating_con", "app_id": "discord"}]}]},
-  {"id": 4, "type": "output", "name": "HEADLESS-1", "nodes": [
-    {"id": 5, "type": "workspace", "name": "1", "nodes": [
-      {"id": 11, "type": "con", "app_id": "discord"},
-      {"id": 12, "type": "con", "layout": "splitv", "nodes": [
-        {"id": 13, "type": "con", "app_id": "com.discordapp.Discord"},
-        {"id": 14, "type": "con", "app_id": "firefox"},
-        {"id": 15, "type": "con", "app_id": null, "window_properties": {"class": "discord"}}]}],
-     "floating_nodes": [{"id": 16, "type": "floating_con", "app_id": "discord"}]}]}]})";
+const std::string kTree = kovi::testing::testDataFile("holds_agent", "sway-tree.json");
 
 TEST(SwayIpc, FindsTheApplicationsWindowsOutsideTheScratchpad) {
   struct Case {
@@ -65,9 +53,7 @@ TEST(SwayIpc, FindsTheApplicationsWindowsOutsideTheScratchpad) {
   };
   const Case cases[] = {
       {{"discord"}, {11, 15, 16}},  // tiled, X11 by class, floating; 10 is hidden already
-      {{"discord", "com.discordapp.Discord"}, {11, 13, 15, 16}},
-      {{"firefox"}, {14}},
-      {{"spotify"}, {}},
+      {{"discord", "com.discordapp.Discord"}, {11, 13, 15, 16}}, {{"firefox"}, {14}}, {{"spotify"}, {}},
   };
   for (const auto& entry : cases) {
     auto windows = swayWindowsOf(kTree, entry.names);
@@ -83,9 +69,7 @@ TEST(SwayIpc, RefusesTreesItCannotTrust) {
   deep += "{}";
   for (int level = 0; level < 100; ++level) deep += "]}";
   const std::pair<std::string, const char*> cases[] = {
-      {"{", "not valid JSON"},
-      {deep, "deeper than"},
-      {R"({"nodes": {"id": 2}})", "not an array"},
+      {"{", "not valid JSON"}, {deep, "deeper than"}, {R"({"nodes": {"id": 2}})", "not an array"},
       {R"({"nodes": [3]})", "not an object"},
       {R"({"nodes": [{"app_id": "discord", "id": "eleven"}]})", "without an id"},
   };
@@ -101,10 +85,8 @@ TEST(SwayIpc, CommandRepliesSucceedOnlyWhenEveryCommandDid) {
   EXPECT_TRUE(checkSwayCommandReply(R"([{"success": true}, {"success": true}])").has_value());
   const std::pair<const char*, const char*> failures[] = {
       {R"([{"success": true}, {"success": false, "error": "No matching node"}])", "No matching node"},
-      {R"([{"success": false}])", "no reason given"},
-      {R"([])", "not a list of results"},
-      {R"({"success": true})", "not a list of results"},
-      {R"([{"succes": true}])", "without \"success\""},
+      {R"([{"success": false}])", "no reason given"}, {R"([])", "not a list of results"},
+      {R"({"success": true})", "not a list of results"}, {R"([{"succes": true}])", "without \"success\""},
   };
   for (const auto& [reply, reason] : failures) {
     const auto checked = checkSwayCommandReply(reply);

@@ -1,12 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <optional>
 #include <regex>
 
-#include "KoviKit/foundation/FileIO.h"
 #include "KoviMacHolds/platform/x11/demo/PrivateDesktop.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestData.h"
 
 namespace kovi::holds {
 namespace {
@@ -15,7 +13,7 @@ using x11::ChildProcess;
 
 constexpr std::chrono::milliseconds kToolTime{180000};
 
-std::string readText(const std::filesystem::path& file) { return readFileLimited(file, 1 << 20).value_or(""); }
+using kovi::testing::readTestFile;
 
 bool installed(const char* program) {
   for (const char* directory : {"/usr/bin", "/bin"}) {
@@ -53,7 +51,7 @@ class HoldsPackageTest : public ::testing::Test {
   }
   void SetUp() override {
     if (!scratch_) GTEST_SKIP() << "cpack, dpkg-deb and dpkg-shlibdeps (dpkg-dev) are needed to build the package";
-    ASSERT_TRUE(package_) << readText(scratch_->path() / "cpack.log") << readText(scratch_->path() / "cpack.log.err");
+    ASSERT_TRUE(package_) << readTestFile(scratch_->path() / "cpack.log") << readTestFile(scratch_->path() / "cpack.log.err");
   }
   static std::filesystem::path root() { return scratch_->path() / "root"; }
 
@@ -66,7 +64,7 @@ TEST_F(HoldsPackageTest, IsNamedForDebianWithDependsFromTheSharedLibraries) {
       << package_->filename();
   const auto control = scratch_->path() / "control";
   ASSERT_EQ(run({"dpkg-deb", "-f", package_->string(), "Package", "Depends"}, control), 0);
-  const std::string fields = readText(control);
+  const std::string fields = readTestFile(control);
   EXPECT_NE(fields.find("Package: kovi-holds"), std::string::npos) << fields;
   for (const char* library : {"libc6", "libcairo2", "libpango-1.0-0", "libwayland-client0", "libx11-6"}) {
     EXPECT_NE(fields.find(library), std::string::npos) << library << " missing from " << fields;
@@ -74,7 +72,7 @@ TEST_F(HoldsPackageTest, IsNamedForDebianWithDependsFromTheSharedLibraries) {
 }
 
 TEST_F(HoldsPackageTest, InstallsTheUserUnitThatRestartsOnlyAfterAnUpdate) {
-  const std::string unit = readText(root() / "usr/lib/systemd/user/kovi-holds.service");
+  const std::string unit = readTestFile(root() / "usr/lib/systemd/user/kovi-holds.service");
   ASSERT_FALSE(unit.empty()) << "no unit in /usr/lib/systemd/user";
   for (const char* line : {"\nExecStart=/usr/bin/kovi-holds run\n", "\nRestart=no\n", "\nRestartForceExitStatus=75\n",
                            "\nWantedBy=graphical-session.target\n"}) {
@@ -83,7 +81,7 @@ TEST_F(HoldsPackageTest, InstallsTheUserUnitThatRestartsOnlyAfterAnUpdate) {
 }
 
 TEST_F(HoldsPackageTest, DesktopFileAsksKWinForTheWindowListAndNamesTheInstalledBinary) {
-  const std::string entry = readText(root() / "usr/share/applications/kovi-holds.desktop");
+  const std::string entry = readTestFile(root() / "usr/share/applications/kovi-holds.desktop");
   ASSERT_FALSE(entry.empty()) << "no .desktop file in /usr/share/applications";
   EXPECT_NE(entry.find("\nX-KDE-Wayland-Interfaces=org_kde_plasma_window_management\n"), std::string::npos);
   std::smatch exec;
@@ -95,8 +93,8 @@ TEST_F(HoldsPackageTest, DesktopFileAsksKWinForTheWindowListAndNamesTheInstalled
 TEST_F(HoldsPackageTest, InstalledBinaryRunsStatusOnTheDemoSchedule) {
   const auto output = scratch_->path() / "status.out";
   ASSERT_EQ(run({(root() / "usr/bin/kovi-holds").string(), "status", "--demo"}, output), 0)
-      << readText(output.string() + ".err");
-  EXPECT_NE(readText(output).find("hold"), std::string::npos) << readText(output);
+      << readTestFile(output.string() + ".err");
+  EXPECT_NE(readTestFile(output).find("hold"), std::string::npos) << readTestFile(output);
 }
 
 }  // namespace

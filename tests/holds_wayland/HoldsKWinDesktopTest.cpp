@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <thread>
@@ -8,24 +7,21 @@
 #include "KoviMacHolds/platform/wayland/demo/PrivateKWin.h"
 #include "tests/holds_x11/HoldsSnapshotNow.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestData.h"
 
 namespace kovi::holds::wayland {
 namespace {
 
+using kovi::testing::readTestFile;
 using holds::testing::HoldNow;
 using holds::testing::snapshotHoldingNow;
 
 constexpr std::chrono::milliseconds kSettle{10000};
 
-std::string readText(const std::filesystem::path& file) {
-  std::ifstream in(file);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 // The .desktop file the package installs, naming `binary` instead of the
 // installed path: KWin grants its window list by that file.
 std::string packagedDesktopEntryFor(const std::filesystem::path& binary) {
-  std::string entry = readText(KOVI_HOLDS_DESKTOP_ENTRY);
+  std::string entry = readTestFile(KOVI_HOLDS_DESKTOP_ENTRY);
   const std::string installed = "/usr/bin/kovi-holds";
   const auto at = entry.find("Exec=" + installed);
   if (at != std::string::npos) entry.replace(at + 5, installed.size(), std::filesystem::canonical(binary).string());
@@ -45,7 +41,7 @@ class HoldsKWinTest : public ::testing::Test {
   }
 
   void TearDown() override {
-    if (HasFailure()) std::cerr << "agent log:\n" << agentLog() << "KWin log:\n" << readText(scratch.path() / "kwin.log");
+    if (HasFailure()) std::cerr << "agent log:\n" << agentLog() << "KWin log:\n" << readTestFile(scratch.path() / "kwin.log");
   }
 
   ChildProcess startAgent(HoldNow hold, const std::filesystem::path& binary = KOVI_HOLDS_BINARY) {
@@ -66,7 +62,7 @@ class HoldsKWinTest : public ::testing::Test {
   bool logShows(const std::string& text) {
     return x11::waitUntil([&] { return agentLog().find(text) != std::string::npos; }, kSettle);
   }
-  std::string agentLog() const { return readText(scratch.path() / "agent.log"); }
+  std::string agentLog() const { return readTestFile(scratch.path() / "agent.log"); }
 
   kovi::testing::TemporaryDirectory scratch;
   std::optional<PrivateKWin> kwin;

@@ -4,31 +4,26 @@
 #include <X11/Xutil.h>
 
 #include <chrono>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
 #include <map>
-#include <optional>
-#include <string>
 #include <thread>
-#include <vector>
 
-#include "KoviKit/foundation/FileIO.h"
 #include "KoviMacHolds/platform/linux/CairoShieldPainter.h"
 #include "KoviMacHolds/platform/x11/demo/PrivateDesktop.h"
 #include "tests/holds_x11/HoldsSnapshotNow.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestData.h"
 
 namespace kovi::holds::x11::testing {
 namespace {
 
+using kovi::testing::readTestFile;
 using holds::testing::HoldNow;
 using holds::testing::snapshotHoldingNow;
 
 constexpr std::chrono::milliseconds kSettle{8000};
-
-std::string readText(const std::filesystem::path& file) { return readFileLimited(file, 1 << 20).value_or(""); }
 
 // A private desktop with the agent's data and runtime directories, stand-in
 // applications and the agent itself, all stopped when the test ends.
@@ -56,7 +51,7 @@ class HoldsDesktopTest : public ::testing::Test {
   // After a failure, prints what the agent and the window manager said.
   void TearDown() override {
     if (!HasFailure()) return;
-    std::cerr << "agent log:\n" << agentLog() << "openbox log:\n" << readText(scratch.path() / "openbox.log");
+    std::cerr << "agent log:\n" << agentLog() << "openbox log:\n" << readTestFile(scratch.path() / "openbox.log");
   }
 
   struct StandIn {
@@ -77,8 +72,8 @@ class HoldsDesktopTest : public ::testing::Test {
       window = std::stoul(line, nullptr, 16);
       return true;
     });
-    EXPECT_TRUE(window.has_value()) << instance << " did not map its window: " << readText(output)
-                                    << readText(scratch.path() / (instance + ".err"));
+    EXPECT_TRUE(window.has_value()) << instance << " did not map its window: " << readTestFile(output)
+                                    << readTestFile(scratch.path() / (instance + ".err"));
     return {std::move(*process), window.value_or(None)};
   }
   // Writes the snapshot and starts `kovi-holds run`.
@@ -91,8 +86,7 @@ class HoldsDesktopTest : public ::testing::Test {
   }
   std::map<std::string, std::string> agentEnvironment() const {
     return {{"DISPLAY", desktop->displayName()},
-            {"TZ", "UTC"},
-            {"XDG_DATA_HOME", (scratch.path() / "data").string()},
+            {"TZ", "UTC"}, {"XDG_DATA_HOME", (scratch.path() / "data").string()},
             {"XDG_RUNTIME_DIR", (scratch.path() / "runtime").string()},
             {"PATH", (scratch.path() / "bin").string() + ":" + std::getenv("PATH")}};
   }
@@ -113,7 +107,7 @@ class HoldsDesktopTest : public ::testing::Test {
   }
   std::string agentLog() const {
     std::string log;
-    for (int index = 0; index < agentCount; ++index) log += readText(scratch.path() / ("agent" + std::to_string(index) + ".log"));
+    for (int index = 0; index < agentCount; ++index) log += readTestFile(scratch.path() / ("agent" + std::to_string(index) + ".log"));
     return log;
   }
   // Clicks at a point of the screen or presses a key, with xdotool.
@@ -124,6 +118,16 @@ class HoldsDesktopTest : public ::testing::Test {
     auto process = ChildProcess::start(arguments, {{"DISPLAY", desktop->displayName()}});
     ASSERT_TRUE(process.has_value()) << process.error();
     EXPECT_EQ(process->waitForExit(kSettle), 0);
+  }
+
+  // The centre of a shield button on the screen, from the same layout the agent uses.
+  std::pair<int, int> buttonCentre(Window shield, std::size_t index) {
+    const MacHoldsShieldView view{.due = MacHoldsDue::sleep(Date::now()), .appName = "Discord", .openKovi = {},
+                                  .back = {}, .catStage = std::nullopt};
+    const auto layout = desktop::CairoShieldPainter(PurrlFontStore()).layout(view, Calendar::current());
+    const auto& frame = layout.buttons[index].frame;
+    const auto [x, y] = desktop->screenPosition(shield);
+    return {x + static_cast<int>(frame.x + frame.width / 2), y + static_cast<int>(frame.y + frame.height / 2)};
   }
 
   kovi::testing::TemporaryDirectory scratch;
@@ -157,20 +161,7 @@ TEST_F(HoldsDesktopTest, HeldWindowComingToTheFrontIsIconifiedAndTheShieldShown)
   EXPECT_TRUE(agent.isRunning());
 }
 
-class ShieldButtonsTest : public HoldsDesktopTest {
- protected:
-  // The centre of a shield button on the screen, from the same layout the agent uses.
-  std::pair<int, int> buttonCentre(Window shield, std::size_t index) {
-    const MacHoldsShieldView view{.due = MacHoldsDue::sleep(Date::now()), .appName = "Discord", .openKovi = {},
-                                  .back = {}, .catStage = std::nullopt};
-    const auto layout = desktop::CairoShieldPainter(PurrlFontStore()).layout(view, Calendar::current());
-    const auto& frame = layout.buttons[index].frame;
-    const auto [x, y] = desktop->screenPosition(shield);
-    return {x + static_cast<int>(frame.x + frame.width / 2), y + static_cast<int>(frame.y + frame.height / 2)};
-  }
-};
-
-TEST_F(ShieldButtonsTest, BackToFocusAndOpenKoviWorkByClickAndReturnByKey) {
+TEST_F(HoldsDesktopTest, BackToFocusAndOpenKoviWorkByClickAndReturnByKey) {
   // A stand-in for the main app's launcher, which the agent finds on PATH.
   const auto opened = scratch.path() / "kovi-app-was-opened";
   std::filesystem::create_directories(scratch.path() / "bin");

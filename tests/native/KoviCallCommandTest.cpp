@@ -3,11 +3,6 @@
 // areas' error tables, the printed shape and the exit status).
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "tests/support/KoviProcess.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/ScopedEnvironment.h"
@@ -117,8 +112,7 @@ TEST_F(CallCommandTest, RefusesBeforeSending) {
       {origin, {"call", "account", "/session", "--body", "{oops"}, "--body: not valid JSON at line 1, column 2"},
       {origin, {"call", "account", "/me", "--timeout", "nan"}, "\"nan\" is out of range (0.001 to 3600 seconds)"},
       {origin, {"call", "account", "/session", "--body", "@/no/such/file"}, "no such file"},
-      {origin, {"call", "Account/../x", "/me"}, "AREA"},
-      {origin, {"call", "account", "/m e"}, "PATH"},
+      {origin, {"call", "Account/../x", "/me"}, "AREA"}, {origin, {"call", "account", "/m e"}, "PATH"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.errPart);

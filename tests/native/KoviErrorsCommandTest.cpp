@@ -1,9 +1,6 @@
 // `kovi errors` as users run it: the built binary, its output and exit status.
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "tests/support/KoviProcess.h"
 
 namespace kovi {
@@ -17,10 +14,8 @@ TEST(ErrorsCommandTest, PrintsTheMessageOrRefusesTheArguments) {
     std::string out;      // the whole standard output
     std::string errPart;  // a piece of standard error
   } cases[] = {
-      {{"errors", "message", "invalid_origin", "--area", "account"},
-       0,
-       "Bu isteği doğrulayamadık. Uygulamayı kapatıp yeniden açtıktan sonra dene.\n",
-       ""},
+      {{"errors", "message", "invalid_origin", "--area", "account"}, 0,
+       "Bu isteği doğrulayamadık. Uygulamayı kapatıp yeniden açtıktan sonra dene.\n", ""},
       {{"errors", "message", "no_such_code"}, 1, "Şu anda tamamlanamadı. Yenileyip tekrar dene.\n", ""},
       {{"errors", "message", "internal_error", "--area", "nowhere"}, 2, "", "account"},
       {{"errors", "message"}, 2, "", "CODE"},

@@ -4,8 +4,6 @@
 #include <unicode/uloc.h>
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "KoviKit/foundation/Localization.h"
 #include "KoviKit/native/NativeAccountErrorTable.h"

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <optional>
-#include <string>
 
 namespace kovi {
 namespace {

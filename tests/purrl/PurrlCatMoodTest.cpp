@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "KoviKit/purrl/PurrlCatGrowthRules.h"
 
 namespace kovi {
@@ -33,8 +31,7 @@ TEST(PurrlCatMoodTest, FollowsTheRulesInOrder) {
       // The waking hours are 6 to 22 inclusive; outside them nothing else counts.
       {"hour 5", at(5), Mood::sleepy, Reason::night},
       {"hour 5 petted, kept, busy", with(with(with(at(5), petted), kept), busy(5)), Mood::sleepy, Reason::night},
-      {"hour 6", at(6), Mood::content, Reason::calm},
-      {"hour 22 idle", at(22), Mood::bored, Reason::quietDay},
+      {"hour 6", at(6), Mood::content, Reason::calm}, {"hour 22 idle", at(22), Mood::bored, Reason::quietDay},
       {"hour 22 busy", with(at(22), busy(1)), Mood::happy, Reason::busyDay},
       {"hour 23", at(23), Mood::sleepy, Reason::night},
       // Petting moves each waking mood one step towards glowing.
@@ -64,8 +61,8 @@ TEST(PurrlCatMoodTest, FollowsTheRulesInOrder) {
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     const PurrlCatMoodResult result = PurrlCatGrowthRules::mood(c.inputs);
-    EXPECT_EQ(enumName(result.mood), enumName(c.mood));
-    EXPECT_EQ(enumName(result.reason), enumName(c.reason));
+    EXPECT_EQ(std::pair(enumName(result.mood), enumName(result.reason)),
+              std::pair(enumName(c.mood), enumName(c.reason)));
   }
 }
 

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "KoviKit/purrl/PurrlFocusMode.h"
 
@@ -38,14 +36,10 @@ TEST(FocusModeTable, EachRowHoldsItsColumns) {
   for (const auto& c : rows) {
     SCOPED_TRACE(enumName(c.id));
     const PurrlFocusModeSpec& row = purrlFocusModeSpec(c.id);
-    EXPECT_EQ(row.id, c.id);
-    EXPECT_EQ(row.defaultMinutes, c.defaultMinutes);
-    EXPECT_EQ(row.defaultStrictness, c.strictness);
-    EXPECT_EQ(row.phoneApps, c.phoneApps);
-    EXPECT_EQ(row.lecturePass, c.lecturePass);
-    EXPECT_EQ(row.macApps, c.macApps);
-    EXPECT_EQ(row.blockedDomains.size(), c.domainCount);
-    EXPECT_EQ(row.macBundleIDs.size(), c.macAppCount);
+    EXPECT_EQ(std::tuple(row.id, row.defaultMinutes, row.defaultStrictness, row.phoneApps, row.lecturePass, row.macApps,
+                         row.blockedDomains.size(), row.macBundleIDs.size()),
+              std::tuple(c.id, c.defaultMinutes, c.strictness, c.phoneApps, c.lecturePass, c.macApps, c.domainCount,
+                         c.macAppCount));
     // The default length is among the ascending options.
     EXPECT_TRUE(std::ranges::is_sorted(row.minuteOptions));
     EXPECT_GT(row.minuteOptions.front(), 0);

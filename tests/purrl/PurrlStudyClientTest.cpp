@@ -2,11 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "KoviKit/purrl/PurrlAPI.h"
 #include "tests/support/LoopbackServer.h"
+#include "tests/support/TestData.h"
 
 namespace kovi {
 namespace {
@@ -35,14 +34,11 @@ TEST_F(PurrlStudyClientTest, EachEndpointSendsTheFeaturesAndDecodesTheAnswer) {
     std::string response;
     std::function<std::string(PurrlAPI&)> call;  // empty when the expected record came back
   } endpoints[] = {
-      {"focus/stats", "GET",
-       R"({"now": 800000000, "today": {"day": "2026-05-10", "minutes": 95, "questions": 120},
-           "week": {"start": "2026-05-04", "end": "2026-05-10", "minutes": 95, "questions": 120,
-                    "subjects": [{"subject": "tyt_mat", "minutes": 95, "questions": 120, "runs": 2}]},
-           "heat": {"from": "2026-05-10", "to": "2026-05-10", "days": []}, "mocks": []})",
+      // The same documents the records' own tests decode in full.
+      {"focus/stats", "GET", testing::testDataFile("purrl", "study-stats.json"),
        [](PurrlAPI& api) {
          return checked(api.studyStats(kToken), [](const auto& stats) {
-           return stats.week.subjects.at(0).subject == "tyt_mat" && !stats.exam; }, "stats");
+           return stats.week.subjects.at(0).subject == "tyt_mat" && stats.exam->daysLeft == 41; }, "stats");
        }},
       {"focus/daily-sets", "GET",
        R"({"day": "2026-05-10", "kept": false,
@@ -60,14 +56,11 @@ TEST_F(PurrlStudyClientTest, EachEndpointSendsTheFeaturesAndDecodesTheAnswer) {
              {PurrlFocusExamKind::other, "KPSS", "2026-09-06", 119}};
          return checked(api.countdowns(kToken), [&](const auto& got) { return got == expected; }, "countdowns");
        }},
-      {"focus/mocks", "GET",
-       R"({"now": 800000000, "plans": [], "past": [], "friends": [],
-           "upcoming": [{"planId": "p1", "exam": "lgs_sozel", "day": "2026-05-16", "minute": 600,
-                         "at": 1778914800000}]})",
+      {"focus/mocks", "GET", testing::testDataFile("purrl", "mock-calendar.json"),
        [](PurrlAPI& api) {
          return checked(api.mockCalendar(kToken), [](const auto& calendar) {
            const auto& date = calendar.upcoming.at(0);
-           return date.exam == PurrlFocusMockExam::lgsSozel && date.at == 1778914800000; }, "upcoming");
+           return date.exam == PurrlFocusMockExam::ayt && date.at == 1778914800000; }, "upcoming");
        }},
       {"cat", "GET", R"({"name": "Tarçın", "mood": "happy", "reason": "kept_kovi", "petted": false})",
        [](PurrlAPI& api) {

@@ -1,13 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "KoviKit/purrl/PurrlFocusDailySet.h"
 #include "KoviKit/purrl/PurrlFocusExamCountdown.h"
 #include "KoviKit/purrl/PurrlFocusMockCalendar.h"
 #include "KoviKit/purrl/PurrlFocusStudyStats.h"
+#include "tests/support/TestData.h"
+#include "tests/support/Refusal.h"
 
 namespace kovi {
 namespace {
@@ -19,8 +17,7 @@ TEST(PurrlExamGroupTest, FollowsTheSubjectPrefix) {
   } cases[] = {
       {"tyt_turkce", PurrlFocusExamGroup::tyt}, {"ayt_edebiyat", PurrlFocusExamGroup::ayt},
       {"ydt_dil", PurrlFocusExamGroup::ydt},    {"lgs_ingilizce", PurrlFocusExamGroup::lgs},
-      {"paragraf", std::nullopt},               {"TYT_mat", std::nullopt},
-      {"tyt", std::nullopt},
+      {"paragraf", std::nullopt},               {"TYT_mat", std::nullopt}, {"tyt", std::nullopt},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.subject);
@@ -50,9 +47,8 @@ TEST(PurrlDailySetTest, IdentityAndTarget) {
   EXPECT_EQ((PurrlFocusDailySet{"custom", "Deneme", 15, 0, false}.asTarget()),
             (PurrlFocusDailySetTarget{PurrlFocusSubject::custom, "Deneme", 15}));
   EXPECT_EQ((PurrlFocusDailySet{"TYT_MAT", std::nullopt, 25, 0, false}.asTarget()), std::nullopt);
-  const auto target = decodeJsonText<PurrlFocusDailySetTarget>(R"({"subject":"kpss_gk","target":5})");
-  ASSERT_FALSE(target.has_value());
-  EXPECT_EQ(target.error().message(), "subject: unknown value \"kpss_gk\"");
+  EXPECT_EQ(testing::refusalOf(decodeJsonText<PurrlFocusDailySetTarget>(R"({"subject":"kpss_gk","target":5})")),
+            "subject: unknown value \"kpss_gk\"");
 }
 
 TEST(PurrlDaysLeftTest, CountsWholeDaysWithoutTheExamDay) {
@@ -73,18 +69,7 @@ TEST(PurrlDaysLeftTest, CountsWholeDaysWithoutTheExamDay) {
   }
 }
 
-constexpr std::string_view kStats = R"({
-  "now": 800000000,
-  "today": {"day": "2026-05-10", "minutes": 95, "questions": 120},
-  "week": {"start": "2026-05-04", "end": "2026-05-10", "minutes": 600, "questions": 700,
-           "subjects": [{"subject": "tyt_mat", "minutes": 300, "questions": 400, "runs": 6},
-                        {"exam": "tyt", "minutes": 165, "questions": 120, "runs": 1}]},
-  "heat": {"from": "2026-04-12", "to": "2026-05-10", "days": [{"day": "2026-05-10", "minutes": 95, "questions": 120}]},
-  "mocks": [{"runId": "run-9", "exam": "tyt", "day": "2026-05-09", "startedAt": 799900000,
-             "result": {"sections": [{"id": "turkce", "correct": 30, "wrong": 8, "blank": 2, "net": 28}], "net": 28}}],
-  "exam": {"exam": "yks", "day": "2026-06-20", "daysLeft": 41, "friends": [{"id": "u2", "name": "Ece"}]},
-  "examWeek": {"startDay": "2026-06-14", "endDay": "2026-06-20"}
-})";
+const std::string kStats = testing::testDataFile("purrl", "study-stats.json");
 
 TEST(PurrlStudyStatsTest, DecodesEveryPartAndRoundTrips) {
   const auto stats = decodeJsonText<PurrlFocusStudyStats>(kStats);
@@ -116,22 +101,12 @@ TEST(PurrlStudyStatsTest, UnknownPaperOrExamFailsTheRecord) {
     const auto at = text.find(c.from);
     ASSERT_NE(at, std::string::npos);
     text.replace(at, c.from.size(), c.to);
-    const auto stats = decodeJsonText<PurrlFocusStudyStats>(text);
-    ASSERT_FALSE(stats.has_value());
-    EXPECT_EQ(stats.error().message(), c.error);
+    EXPECT_EQ(testing::refusalOf(decodeJsonText<PurrlFocusStudyStats>(text)), c.error);
   }
 }
 
 TEST(PurrlMockCalendarTest, PastDatesCarryTheirRunAndNet) {
-  const auto calendar = decodeJsonText<PurrlFocusMockCalendar>(R"({
-    "now": 800000000,
-    "plans": [{"id": "p1", "exam": "ayt", "label": "Haftalık", "repeat": "weekly", "day": "2026-05-02", "minute": 600}],
-    "upcoming": [{"planId": "p1", "exam": "ayt", "day": "2026-05-16", "minute": 600, "at": 1778914800000}],
-    "past": [{"planId": "p1", "exam": "ayt", "day": "2026-05-09", "minute": 600, "at": 1778310000000,
-              "runId": "run-3", "net": 61.25},
-             {"planId": "p1", "exam": "ayt", "day": "2026-05-02", "minute": 600, "at": 1777705200000}],
-    "friends": [{"day": "2026-05-16", "exam": "ayt", "people": [{"id": "u2", "name": "Ece"}]}]
-  })");
+  const auto calendar = decodeJsonText<PurrlFocusMockCalendar>(testing::testDataFile("purrl", "mock-calendar.json"));
   ASSERT_TRUE(calendar.has_value()) << calendar.error().message();
   EXPECT_EQ(calendar->plans[0].repeat, PurrlFocusMockRepeat::weekly);
   EXPECT_EQ(calendar->past[0].runId, "run-3");

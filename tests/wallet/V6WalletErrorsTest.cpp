@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <string_view>
-
 #include "KoviKit/native/NativeErrorTable.h"
 #include "KoviKit/wallet/V6WalletErrors.h"
 

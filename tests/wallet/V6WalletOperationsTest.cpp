@@ -5,8 +5,6 @@
 
 #include <atomic>
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "KoviKit/attest/SoftwarePasskeyService.h"
 #include "KoviKit/wallet/V6WalletOperations.h"

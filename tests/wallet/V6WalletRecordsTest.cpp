@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <regex>
-#include <string>
-#include <vector>
 
 #include "KoviKit/wallet/V6WalletKovi.h"
 #include "KoviKit/wallet/V6WalletRequest.h"
 #include "KoviKit/wallet/V6WalletResponse.h"
+#include "tests/support/Refusal.h"
 
 namespace kovi {
 namespace {
@@ -130,9 +129,7 @@ TEST(V6WalletResponseTest, RefusesWithThePlaceAndReason) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.message);
-    const auto decoded = decodeJsonText<V6WalletResponse>(c.document);
-    ASSERT_FALSE(decoded.has_value());
-    EXPECT_EQ(decoded.error().message(), c.message);
+    EXPECT_EQ(testing::refusalOf(decodeJsonText<V6WalletResponse>(c.document)), c.message);
   }
 }
 
@@ -146,11 +143,8 @@ TEST(V6WalletKoviTest, ChecksRegistryAddressAndKoviNumber) {
     std::optional<std::string> message;
   } cases[] = {{address, "1", std::nullopt},
                {"0x" + std::string(40, 'F'), "9" + std::string(77, '9'), std::nullopt},
-               {address, "1" + std::string(78, '0'), idReason},
-               {address, "0", idReason},
-               {address, "07", idReason},
-               {"0x" + std::string(39, 'a'), "1", addressReason},
-               {"0X" + std::string(40, 'a'), "1", addressReason},
+               {address, "1" + std::string(78, '0'), idReason}, {address, "0", idReason}, {address, "07", idReason},
+               {"0x" + std::string(39, 'a'), "1", addressReason}, {"0X" + std::string(40, 'a'), "1", addressReason},
                {"0x" + std::string(39, 'a') + "g", "1", addressReason}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.registryAddress + " " + c.koviId);
@@ -171,9 +165,7 @@ TEST(V6WalletDraftTest, ChecksTheRulesWithTheDomainsOwnRules) {
   V6WalletDraft draft = walkingDraft();
   EXPECT_TRUE(checkV6WalletDraft(draft).has_value());
   draft.rules.erase("durationDays");
-  const auto missing = checkV6WalletDraft(draft);
-  ASSERT_FALSE(missing.has_value());
-  EXPECT_EQ(missing.error().message(), "rules.durationDays: missing key");
+  EXPECT_EQ(testing::refusalOf(checkV6WalletDraft(draft)), "rules.durationDays: missing key");
   // The same walking rules are not a working rule set.
   draft = walkingDraft();
   draft.domain = V6WalletDomain::working;

@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <optional>
-#include <string>
-
 #include "KoviKit/wallet/V6WalletDraft.h"
 #include "KoviKit/wallet/V6WalletStake.h"
+#include "tests/support/Refusal.h"
 
 namespace kovi {
 namespace {
@@ -28,10 +26,9 @@ TEST(V6StakeTest, AcceptsExactlyTheStakeForm) {
     EXPECT_EQ(V6StakeForm::refusal(c.text), c.refusal);
   }
   // A draft refuses a bad stake at its key.
-  const auto draft = decodeJsonText<V6WalletDraft>(R"({"domain":"walking","title":"t","salt":"s","invitees":[],
-      "stakeAmount":"01","capacity":2,"joinDeadline":1,"rules":{}})");
-  ASSERT_FALSE(draft.has_value());
-  EXPECT_EQ(draft.error().message(), "stakeAmount: the whole part has a leading zero");
+  EXPECT_EQ(testing::refusalOf(decodeJsonText<V6WalletDraft>(R"({"domain":"walking","title":"t","salt":"s","invitees":[],
+      "stakeAmount":"01","capacity":2,"joinDeadline":1,"rules":{}})")),
+            "stakeAmount: the whole part has a leading zero");
 }
 
 }  // namespace
