@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+#include <string>
+
 #include "KoviKit/foundation/CanonicalJsonWriter.h"
 
 namespace kovi {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "tests/support/TemporaryDirectory.h"
 
 namespace kovi {

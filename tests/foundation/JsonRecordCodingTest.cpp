@@ -5,7 +5,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <type_traits>
+#include <vector>
 
 namespace kovi {
 namespace {

@@ -4,6 +4,8 @@
 
 #include <chrono>
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/foundation/FileKeyValueStore.h"

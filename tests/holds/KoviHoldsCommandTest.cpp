@@ -3,6 +3,9 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
 
 #include "KoviKit/foundation/FileIO.h"
 #include "tests/holds/HoldsTestSnapshots.h"

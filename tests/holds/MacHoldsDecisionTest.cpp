@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+#include <string>
+
 #include "tests/holds/HoldsTestSnapshots.h"
 
 namespace kovi::holds {

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <set>
+#include <ostream>
+#include <string>
 
 #include "KoviMacHolds/MacHoldsSchedule.h"
 #include "tests/holds/HoldsTestSnapshots.h"

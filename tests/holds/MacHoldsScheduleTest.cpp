@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
 #include "tests/holds/HoldsTestSnapshots.h"
 
 namespace kovi::holds {

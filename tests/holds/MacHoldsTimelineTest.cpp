@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ostream>
+#include <string>
+#include <vector>
 
 #include "KoviMacHolds/MacHoldsSchedule.h"
 #include "tests/holds/HoldsTestSnapshots.h"

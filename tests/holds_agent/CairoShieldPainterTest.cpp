@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <memory>
+#include <string>
 
 #include "KoviMacHolds/platform/linux/CairoShieldPainter.h"
 #include "tests/holds_agent/MacHoldsFakes.h"

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "KoviMacHolds/MacHoldsIdentity.h"
 #include "tests/holds_agent/MacHoldsFakes.h"
 

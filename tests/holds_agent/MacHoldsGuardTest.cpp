@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 
 #include "KoviMacHolds/MacHoldsGuard.h"
 #include "KoviMacHolds/MacHoldsIdentity.h"

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+#include <string>
+
 #include "KoviMacHolds/MacHoldsShield.h"
 #include "KoviMacHolds/MacPurrlCat.h"
 #include "KoviMacHolds/PurrlFontStore.h"

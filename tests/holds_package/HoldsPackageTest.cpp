@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <optional>
 #include <regex>
 
 #include "KoviMacHolds/platform/x11/demo/PrivateDesktop.h"

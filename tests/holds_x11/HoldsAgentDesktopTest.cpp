@@ -4,11 +4,15 @@
 #include <X11/Xutil.h>
 
 #include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
 #include <map>
+#include <optional>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "KoviMacHolds/platform/linux/CairoShieldPainter.h"
 #include "KoviMacHolds/platform/x11/demo/PrivateDesktop.h"

@@ -3,6 +3,11 @@
 // areas' error tables, the printed shape and the exit status).
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "tests/support/KoviProcess.h"
 #include "tests/support/LoopbackServer.h"
 #include "tests/support/ScopedEnvironment.h"

@@ -1,6 +1,9 @@
 // `kovi errors` as users run it: the built binary, its output and exit status.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "tests/support/KoviProcess.h"
 
 namespace kovi {

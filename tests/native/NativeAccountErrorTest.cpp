@@ -4,6 +4,8 @@
 #include <unicode/uloc.h>
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "KoviKit/foundation/Localization.h"
 #include "KoviKit/native/NativeAccountErrorTable.h"

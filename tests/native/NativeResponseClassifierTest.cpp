@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "tests/native/NativeErrorPrinting.h"
 
 namespace kovi {

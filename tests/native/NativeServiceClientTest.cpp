@@ -6,7 +6,9 @@
 #include <chrono>
 #include <ctime>
 #include <functional>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include "KoviKit/native/NativeAccountAPI.h"
 #include "KoviKit/native/NativeResponseClassifier.h"

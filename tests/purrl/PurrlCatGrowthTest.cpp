@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "KoviKit/purrl/PurrlCatGrowthMoment.h"
 #include "KoviKit/purrl/PurrlCatGrowthRules.h"

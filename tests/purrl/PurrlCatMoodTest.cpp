@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "KoviKit/purrl/PurrlCatGrowthRules.h"
 
 namespace kovi {

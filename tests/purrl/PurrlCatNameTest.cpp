@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <string>
+
 #include "KoviKit/purrl/PurrlCatName.h"
 
 namespace kovi {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <set>
+#include <string>
+#include <vector>
 
 #include "KoviKit/purrl/PurrlFocusMode.h"
 

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "KoviKit/purrl/PurrlAPI.h"
 #include "tests/support/LoopbackServer.h"

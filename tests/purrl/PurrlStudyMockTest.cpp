@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <string>
+#include <vector>
 
 #include "KoviKit/purrl/PurrlFocusMockCalendar.h"
 #include "KoviKit/purrl/PurrlFocusMockReminder.h"

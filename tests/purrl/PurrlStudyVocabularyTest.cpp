@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "KoviKit/purrl/PurrlFocusDailySet.h"
 #include "KoviKit/purrl/PurrlFocusExamCountdown.h"
 #include "KoviKit/purrl/PurrlFocusMockCalendar.h"

@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
 
 #include "KoviKit/foundation/Base64.h"
 #include "tests/support/KoviProcess.h"

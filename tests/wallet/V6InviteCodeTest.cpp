@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <string>
+
 #include "KoviKit/wallet/V6InviteCode.h"
 #include "KoviKit/wallet/V6InviteLink.h"
 #include "tests/support/Refusal.h"

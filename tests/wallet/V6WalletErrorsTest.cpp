@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <string_view>
+
 #include "KoviKit/native/NativeErrorTable.h"
 #include "KoviKit/wallet/V6WalletErrors.h"
 

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <string>
+#include <vector>
+
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/wallet/V6WalletOperationStore.h"
 #include "tests/support/TemporaryDirectory.h"

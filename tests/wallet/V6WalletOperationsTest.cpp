@@ -5,6 +5,8 @@
 
 #include <atomic>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "KoviKit/attest/SoftwarePasskeyService.h"
 #include "KoviKit/wallet/V6WalletOperations.h"

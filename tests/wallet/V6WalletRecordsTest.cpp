@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <regex>
+#include <string>
+#include <vector>
 
 #include "KoviKit/wallet/V6WalletKovi.h"
 #include "KoviKit/wallet/V6WalletRequest.h"

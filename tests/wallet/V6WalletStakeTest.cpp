@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <string>
+
 #include "KoviKit/wallet/V6WalletDraft.h"
 #include "KoviKit/wallet/V6WalletStake.h"
 #include "tests/support/Refusal.h"

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "KoviKit/wallet/V6OperationPresentation.h"
 #include "KoviKit/wallet/WalletCeremonyPhase.h"
 
