@@ -101,9 +101,7 @@ TEST(EvidenceReadCommandTest, AnUnreadableExportPrintsEveryDayAsFailedAndExits1)
 
 TEST(EvidenceReadCommandTest, ShowsAndResetsAScopesCursor) {
   const testing::TemporaryDirectory directory;
-  const std::string scopeJson =
-      R"({"kind":"walking","ownerID":"acct-ayse","subjectID":"kovi-42","bindingID":"binding-7",)"
-      R"("writerEpoch":3,"writerDeviceID":"device-1"})";
+  const std::string scopeJson = testing::evidenceData("scope.json");
   const auto scope = directory.write("scope.json", scopeJson);
   const std::string dataDir = directory.path().string();
 

@@ -129,8 +129,7 @@ TEST_F(EvidenceReadSchedulerTest, RefusesWhatItCannotSchedule) {
 }
 
 TEST_F(EvidenceReadSchedulerTest, AStoredCursorThatCannotBeUsedStopsTheRead) {
-  const std::string scope =
-      R"({"kind":"walking","ownerID":"acct-ayse","subjectID":"kovi-42","bindingID":"binding-7","writerEpoch":3,"writerDeviceID":"device-1"})";
+  const std::string scope = testing::evidenceData("scope.json");
   const std::vector<std::pair<std::string, EvidenceReadError>> stored{
       {R"({"version":1,"scope":)" + scope + R"(,"lastItemID":"9"})", EvidenceReadError::invalidStoredCursor},
       {R"({"version":2})", EvidenceReadError::unsupportedStoredVersion},

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 #include <zip.h>
 
-#include <fstream>
-
 #include "KoviKit/evidence/HealthExportStore.h"
 #include "KoviKit/evidence/HealthExportXmlParser.h"
 #include "tests/evidence/WalkingTestSupport.h"
@@ -13,23 +11,7 @@ namespace {
 
 using testing::at;
 
-constexpr std::string_view kExportXml = R"(<?xml version="1.0" encoding="UTF-8"?>
-<!DOCTYPE HealthData [
-<!ELEMENT HealthData (ExportDate,Me,(Record|Workout)*)>
-<!ATTLIST HealthData locale CDATA #REQUIRED>
-]>
-<HealthData locale="tr_TR">
- <ExportDate value="2026-03-03 08:00:00 +0300"/>
- <Me HKCharacteristicTypeIdentifierBiologicalSex="HKBiologicalSexFemale"/>
- <Record type="HKQuantityTypeIdentifierHeartRate" sourceName="Apple Watch" unit="count/min" startDate="2026-03-02 09:41:07 +0300" endDate="2026-03-02 09:41:07 +0300" value="88"/>
- <Record type="HKQuantityTypeIdentifierStepCount" sourceName="Ayşe’s Apple Watch" unit="count" startDate="2026-03-02 09:41:07 +0300" endDate="2026-03-02 09:51:07 +0300" value="1000">
-  <MetadataEntry key="HKWasUserEntered" value="0"/>
- </Record>
- <Record sourceName="Ayşe’s iPhone" type="HKQuantityTypeIdentifierStepCount" startDate="2026-03-01 23:58:00 -0100" endDate="2026-03-02 00:08:00 -0100" value="12.5"/>
- <Record type="HKQuantityTypeIdentifierStepCount" sourceName="Ayşe’s iPhone" startDate="2026-01-01 10:00:00 +0300" endDate="2026-01-01 10:05:00 +0300" value="300"/>
- <Workout workoutActivityType="HKWorkoutActivityTypeWalking"><WorkoutEvent type="HKWorkoutEventTypePause"/></Workout>
-</HealthData>
-)";
+const std::string kExportXml = testing::evidenceData("export.xml");
 
 // The two step samples of kExportXml inside March 2026.
 const std::vector<HealthStepSample> kMarchSamples{
@@ -92,12 +74,7 @@ TEST(HealthExportStoreTest, ReadsTheJsonSampleFormat) {
   EXPECT_EQ(*samples, (std::vector<HealthStepSample>{{1772433667000, 1772434267000, 412, "Apple Watch"}}));
 }
 
-struct BrokenExport {
-  const char* name;
-  std::string contents;
-  bool zipped;
-  std::string reason;
-};
+struct BrokenExport { const char* name; std::string contents; bool zipped; std::string reason; };
 
 class HealthExportFailureTest : public ::testing::TestWithParam<BrokenExport> {};
 
@@ -127,18 +104,10 @@ INSTANTIATE_TEST_SUITE_P(
                      "unclosed token"},
         BrokenExport{"notAnExport", "<plist version=\"1.0\"><dict/></plist>", false, "not a Health export"},
         BrokenExport{"empty", "", false, "export.xml line 1"},
-        BrokenExport{"badDate",
-                     "<HealthData>\n<Record type=\"HKQuantityTypeIdentifierStepCount\" startDate=\"2026-02-30 "
-                     "10:00:00 +0300\" endDate=\"2026-03-02 10:00:00 +0300\" value=\"1\"/></HealthData>",
-                     false, "line 2: startDate \"2026-02-30 10:00:00 +0300\" is not a date"},
-        BrokenExport{"badValue",
-                     "<HealthData><Record type=\"HKQuantityTypeIdentifierStepCount\" startDate=\"2026-03-02 10:00:00 "
-                     "+0300\" endDate=\"2026-03-02 10:00:00 +0300\" value=\"12 steps\"/></HealthData>",
-                     false, "value \"12 steps\" is not a step count"},
-        BrokenExport{"endsBeforeStart",
-                     "<HealthData><Record type=\"HKQuantityTypeIdentifierStepCount\" startDate=\"2026-03-02 10:00:00 "
-                     "+0300\" endDate=\"2026-03-02 09:00:00 +0300\" value=\"1\"/></HealthData>",
-                     false, "ends before it starts"},
+        BrokenExport{"badDate", testing::evidenceData("bad-date.xml"), false,
+                     "line 2: startDate \"2026-02-30 10:00:00 +0300\" is not a date"},
+        BrokenExport{"badValue", testing::evidenceData("bad-value.xml"), false, "value \"12 steps\" is not a step count"},
+        BrokenExport{"endsBeforeStart", testing::evidenceData("ends-before-start.xml"), false, "ends before it starts"},
         BrokenExport{"deepNesting", deepNesting(100), false, "nested deeper than 32"},
         BrokenExport{"jsonDuplicateKey", R"([{"start": 1, "start": 2, "end": 3, "value": 1, "source": "x"}])", false,
                      "[0].start: duplicate key"},
@@ -158,8 +127,7 @@ TEST(HealthExportStoreTest, AZipWithoutTheXmlOrACutArchiveIsNotRead) {
   EXPECT_NE(samples.error().find("the archive holds no export.xml"), std::string::npos);
 
   const auto whole = writeZip(directory.path() / "b.zip", {{"apple_health_export/export.xml", std::string(kExportXml)}});
-  std::ifstream input(whole, std::ios::binary);
-  const std::string bytes((std::istreambuf_iterator<char>(input)), std::istreambuf_iterator<char>());
+  const std::string bytes = readFileLimited(whole, 1 << 20).value_or("");
   samples = HealthExportStore(directory.write("cut.zip", bytes.substr(0, bytes.size() / 2)))
                 .stepSamples(kMarchFrom, kMarchTo);
   ASSERT_FALSE(samples.has_value());

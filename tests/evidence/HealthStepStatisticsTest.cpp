@@ -35,11 +35,7 @@ Cells cellsOf(const HealthEvidenceDayRead& read, UnixMillis dayStart) {
 
 TEST(HealthStepStatisticsTest, SumsEachBucketOnce) {
   struct Case {
-    const char* name;
-    std::vector<HealthStepSample> samples;
-    std::vector<std::string> priority;
-    Cells day0;
-    Cells day1;
+    const char* name; std::vector<HealthStepSample> samples; std::vector<std::string> priority; Cells day0; Cells day1;
   };
   const std::vector<Case> cases{
       {"insideOneBucket", {sample(kDay0 + 2 * kMinute, 10, 300)}, {}, {{0, 300}}, {}},

@@ -86,9 +86,7 @@ TEST(WalkingDayWindowVerifier, VerifiesDerivesOrListsEveryFault) {
     return std::optional(windows);
   };
   struct Case {
-    std::string name;
-    std::optional<std::vector<HealthEvidenceDayWindow>> server;
-    Verdict verdict;
+    std::string name; std::optional<std::vector<HealthEvidenceDayWindow>> server; Verdict verdict;
     std::vector<std::string> issues;
   };
   const std::vector<Case> cases{

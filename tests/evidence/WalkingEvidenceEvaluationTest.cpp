@@ -22,8 +22,7 @@ constexpr UnixMillis kDay = 24 * kHour;
 
 // One day's read: (cell, steps) pairs, or an outcome without buckets.
 struct DayRead {
-  int day;
-  std::vector<std::pair<int, double>> cells;
+  int day; std::vector<std::pair<int, double>> cells;
   HealthEvidenceReadOutcome outcome = HealthEvidenceReadOutcome::measured;
 };
 
@@ -73,15 +72,8 @@ constexpr auto kNoData = HealthEvidenceReadOutcome::noReadableData;
 
 TEST(WalkingEvidenceEvaluation, JudgesOnClosedTotals) {
   struct Case {
-    std::string name;
-    Rules rules;
-    std::vector<DayRead> reads;
-    UnixMillis now;
-    Verdict verdict;
-    double closedTotal;
-    int successfulDays;
-    std::vector<int> missing, provisional, upcoming;
-    std::optional<UnixMillis> reachedAt = {};
+    std::string name; Rules rules; std::vector<DayRead> reads; UnixMillis now; Verdict verdict; double closedTotal;
+    int successfulDays; std::vector<int> missing, provisional, upcoming; std::optional<UnixMillis> reachedAt = {};
     std::optional<int> reachedDay = {};
   };
   const std::vector<Case> cases{
@@ -150,10 +142,7 @@ TEST(WalkingRaceRanking, OrdersMembersAndSharesTies) {
     return evaluation;
   };
   struct Case {
-    std::string name;
-    Rules rules;
-    std::vector<WalkingRaceEntrant> entrants;
-    std::vector<WalkingRaceStanding> standings;
+    std::string name; Rules rules; std::vector<WalkingRaceEntrant> entrants; std::vector<WalkingRaceStanding> standings;
   };
   const std::vector<Case> cases{
       {"firstToTargetEarlierFirst",

@@ -3,10 +3,13 @@
 #include <string>
 #include <vector>
 
+#include "KoviKit/evidence/V6EvidenceSubmissionError.h"
 #include "KoviKit/evidence/WalkingDayWindowPlanner.h"
+#include "KoviKit/evidence/WalkingEvidenceBackoffStore.h"
 #include "KoviKit/evidence/WalkingEvidenceLane.h"
 #include "KoviKit/evidence/WalkingProgressSummary.h"
 #include "WalkingTestSupport.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace kovi {
 namespace {
@@ -64,6 +67,29 @@ TEST(WalkingEvidenceBackoff, DoublesTransientWaitsAndWaitsFixedTimesForTheRest) 
   EXPECT_EQ(WalkingEvidenceBackoff::afterSuccess(), WalkingEvidenceBackoff{});
 }
 
+TEST(WalkingEvidenceBackoffStoreTest, OnlyTransientFailuresAreStoredAndTheyCountAcrossRuns) {
+  const testing::TemporaryDirectory directory;
+  const UnixMillis now = at("2026-05-04T08:00:00Z");
+  const struct { WalkingEvidenceFailure failure; WalkingEvidenceBackoff stored; } steps[] = {
+      {WalkingEvidenceFailure::rejected, {}},
+      {WalkingEvidenceFailure::transient, {1, now + kMinute}},
+      {WalkingEvidenceFailure::noData, {1, now + kMinute}},
+      {WalkingEvidenceFailure::attestation, {1, now + kMinute}},
+      {WalkingEvidenceFailure::transient, {2, now + 2 * kMinute}},
+  };
+  for (const auto& step : steps) {
+    SCOPED_TRACE(enumName(step.failure));
+    // A store of its own each time: what counts is on disk.
+    WalkingEvidenceBackoffStore store(directory.path());
+    EXPECT_EQ(store.recordFailure("actor-1", step.failure, now), step.stored);
+    EXPECT_EQ(WalkingEvidenceBackoffStore(directory.path()).load("actor-1"), step.stored);
+  }
+  WalkingEvidenceBackoffStore store(directory.path());
+  EXPECT_EQ(store.load("actor-2"), WalkingEvidenceBackoff{}) << "owners are kept apart";
+  ASSERT_TRUE(store.clear("actor-1").has_value());
+  EXPECT_EQ(store.load("actor-1"), WalkingEvidenceBackoff{});
+}
+
 class WalkingProgressSummaryTest : public ::testing::Test {
  protected:
   WalkingProgressSummaryTest() {
@@ -88,13 +114,8 @@ class WalkingProgressSummaryTest : public ::testing::Test {
 
 TEST_F(WalkingProgressSummaryTest, ShowsTodaysStepsForADailyGoalAndTheSumOtherwise) {
   struct Case {
-    std::string name;
-    bool daily;
-    std::vector<std::pair<int, double>> totals;
-    UnixMillis now;
-    std::optional<double> steps;
-    std::optional<UnixMillis> dayEndsAt;
-    bool waits;
+    std::string name; bool daily; std::vector<std::pair<int, double>> totals; UnixMillis now;
+    std::optional<double> steps; std::optional<UnixMillis> dayEndsAt; bool waits;
   };
   const std::vector<Case> cases{
       {"beforeTheFirstMidnight", true, {}, at("2026-05-04T23:55:00+03:00"), {}, {}, true},

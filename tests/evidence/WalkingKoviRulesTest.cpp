@@ -7,17 +7,13 @@
 #include "KoviKit/evidence/V6WalkingContext.h"
 #include "KoviKit/evidence/WalkingKoviRules.h"
 #include "KoviKit/foundation/Json.h"
+#include "tests/evidence/WalkingTestSupport.h"
 
 namespace kovi {
 namespace {
 
-// Keys in a shuffled order and with whitespace: the canonical form must not care.
-constexpr std::string_view kRaceRules = R"({
-  "firstDay": "midnight", "timezone": "Europe/Istanbul", "dayBoundary": "calendar",
-  "verificationWindowHours": 24, "rankPayoutsBps": [6000, 3000, 1000], "payoutRule": "ranked",
-  "exitPenaltyBps": 2500, "failurePolicy": "closestWins", "minimumEligibility": 50000,
-  "durationDays": 7, "raceMode": "highestTotal", "mode": "race"
-})";
+// race-rules.json has its keys shuffled and spaced: the canonical form must not care.
+const std::string kRaceRules = testing::evidenceData("race-rules.json");
 
 constexpr std::string_view kRaceCanonical =
     R"({"mode":"race","raceMode":"highestTotal","durationDays":7,"minimumEligibility":50000,)"

@@ -55,11 +55,7 @@ TEST(WalkingRuleDescription, DescribesTheRulesInTurkish) {
 
 // Other rule shapes: the title and the lines that set them apart.
 TEST(WalkingRuleDescription, NamesEachModeAndItsDistinctLine) {
-  struct Case {
-    std::string_view patch;
-    std::string title;
-    std::vector<std::string> lines;
-  };
+  struct Case { std::string_view patch; std::string title; std::vector<std::string> lines; };
   const std::vector<Case> cases{
       {R"({"requiredSuccessfulDays":5,"dayBoundary":"calendar","firstDay":"midnight"})",
        "Her gün hedefi tamamla (10.000 adım)",
