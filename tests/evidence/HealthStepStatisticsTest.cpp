@@ -113,21 +113,8 @@ TEST(HealthStepStatisticsTest, AWindowThatIsNoDayFailsToRead) {
   EXPECT_EQ(days.at(1).outcome, HealthEvidenceReadOutcome::readFailed);
 }
 
-// A store that hands out fixed samples or a fixed failure, and records the
-// interval it was asked for.
-class FixedStore final : public HealthEvidenceStore {
- public:
-  std::expected<std::vector<HealthStepSample>, std::string> answer;
-  std::vector<std::pair<UnixMillis, UnixMillis>> asked;
-  HealthEvidenceAuthorization authorization() const override { return HealthEvidenceAuthorization::unknown; }
-  std::expected<std::vector<HealthStepSample>, std::string> stepSamples(UnixMillis from, UnixMillis to) override {
-    asked.emplace_back(from, to);
-    return answer;
-  }
-};
-
 TEST(HealthStepStatisticsTest, ReadingAsksTheStoreOnceForAllDaysOrNotAtAllWithoutPermission) {
-  FixedStore store;
+  testing::FixedStore store;
   store.answer = std::vector{sample(kDay1 + kMinute, 5, 42)};
   auto reading = readHealthEvidence(store, {kTwoDays, kDay1 + 48 * testing::kHour, std::nullopt}, {});
   EXPECT_EQ(store.asked, (std::vector{std::pair{kDay0, kDay1 + 24 * testing::kHour}}));

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "KoviKit/evidence/HealthEvidenceDayRead.h"
+#include "KoviKit/evidence/HealthStepSample.h"
 #include "KoviKit/evidence/WalkingKoviRules.h"
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/foundation/Time.h"
@@ -46,5 +47,18 @@ inline WalkingKoviRules dailyGoal(int days, std::int64_t target) {
   rules.verificationWindowHours = 24;
   return rules;
 }
+
+// A store that hands out fixed samples or a fixed failure, and records the
+// interval it was asked for.
+class FixedStore final : public HealthEvidenceStore {
+ public:
+  std::expected<std::vector<HealthStepSample>, std::string> answer;
+  std::vector<std::pair<UnixMillis, UnixMillis>> asked;
+  HealthEvidenceAuthorization authorization() const override { return HealthEvidenceAuthorization::unknown; }
+  std::expected<std::vector<HealthStepSample>, std::string> stepSamples(UnixMillis from, UnixMillis to) override {
+    asked.emplace_back(from, to);
+    return answer;
+  }
+};
 
 }  // namespace kovi::testing
