@@ -117,16 +117,12 @@ TEST(WalkingEvidenceEvaluation, JudgesOnClosedTotals) {
   };
   for (const Case& example : cases) {
     SCOPED_TRACE(example.name);
-    const auto evaluation = evaluate(example.rules, example.reads, example.now);
-    EXPECT_EQ(evaluation.verdict, example.verdict) << enumName(evaluation.verdict);
-    EXPECT_EQ(evaluation.closedTotal, example.closedTotal);
-    EXPECT_EQ(evaluation.successfulDays, example.successfulDays);
-    EXPECT_EQ(evaluation.missingDays, example.missing);
-    EXPECT_EQ(evaluation.provisionalDays, example.provisional);
-    EXPECT_EQ(evaluation.upcomingDays, example.upcoming);
-    EXPECT_EQ(evaluation.reachedAt, example.reachedAt);
-    EXPECT_EQ(evaluation.reachedDay, example.reachedDay);
-    EXPECT_EQ(evaluation.evidenceClosesAt, inDay(3, 0) + 24 * kHour);
+    const auto e = evaluate(example.rules, example.reads, example.now);
+    EXPECT_EQ(std::tuple(enumName(e.verdict), e.closedTotal, e.successfulDays, e.missingDays, e.provisionalDays,
+                         e.upcomingDays, e.reachedAt, e.reachedDay, e.evidenceClosesAt),
+              std::tuple(enumName(example.verdict), example.closedTotal, example.successfulDays, example.missing,
+                         example.provisional, example.upcoming, example.reachedAt, example.reachedDay,
+                         inDay(3, 0) + 24 * kHour));
   }
 }
 

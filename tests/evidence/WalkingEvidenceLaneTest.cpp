@@ -35,9 +35,9 @@ TEST(WalkingEvidenceSchedule, PlacesTheKoviInItsLaneAndShowsTheUpload) {
   for (const Case& example : cases) {
     SCOPED_TRACE(example.name);
     const Lane lane = schedule.laneAt(example.now);
-    EXPECT_EQ(lane, example.lane) << enumName(lane);
-    EXPECT_EQ(WalkingEvidenceSchedule::visibility(lane, false), example.withoutMissing);
-    EXPECT_EQ(WalkingEvidenceSchedule::visibility(lane, true), example.withMissing);
+    EXPECT_EQ(std::tuple(enumName(lane), WalkingEvidenceSchedule::visibility(lane, false),
+                         WalkingEvidenceSchedule::visibility(lane, true)),
+              std::tuple(enumName(example.lane), example.withoutMissing, example.withMissing));
   }
 }
 
@@ -59,8 +59,7 @@ TEST(WalkingEvidenceBackoff, DoublesTransientWaitsAndWaitsFixedTimesForTheRest) 
   for (std::size_t index = 0; index < steps.size(); ++index) {
     SCOPED_TRACE(index);
     backoff = backoff.afterFailure(steps[index].failure, now);
-    EXPECT_EQ(backoff.consecutiveFailures, steps[index].failures);
-    EXPECT_EQ(backoff.nextAttemptAt, now + steps[index].wait);
+    EXPECT_EQ(backoff, (WalkingEvidenceBackoff{steps[index].failures, now + steps[index].wait}));
     EXPECT_FALSE(backoff.allowsAttempt(now + steps[index].wait - 1));
     EXPECT_TRUE(backoff.allowsAttempt(now + steps[index].wait));
   }
@@ -133,12 +132,9 @@ TEST_F(WalkingProgressSummaryTest, ShowsTodaysStepsForADailyGoalAndTheSumOtherwi
     if (!example.daily) rules.goalMode = WalkingKoviRules::GoalMode::total;
     const auto summary =
         WalkingProgressSummary::summarize(rules, start_, windows_, evaluationWith(example.totals), example.now);
-    EXPECT_EQ(summary.steps, example.steps);
-    EXPECT_EQ(summary.target, 8000);
-    EXPECT_EQ(summary.isDaily, example.daily);
-    EXPECT_EQ(summary.dayEndsAt, example.dayEndsAt);
-    EXPECT_EQ(summary.waitsForFirstDay, example.waits);
-    EXPECT_FALSE(summary.needsDayRefresh);
+    EXPECT_EQ(std::tuple(summary.steps, summary.target, summary.isDaily, summary.dayEndsAt, summary.waitsForFirstDay,
+                         summary.needsDayRefresh),
+              std::tuple(example.steps, 8000, example.daily, example.dayEndsAt, example.waits, false));
   }
 }
 

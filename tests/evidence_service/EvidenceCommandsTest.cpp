@@ -120,9 +120,8 @@ TEST_F(EvidenceServiceCommandsTest, RegisterThenSubmitPrintsOneLinePerDayAndTheR
   ASSERT_EQ(submitted.exitStatus, 0) << submitted.out << submitted.err;
   const auto lines = jsonLines(submitted.out);
   ASSERT_EQ(lines.size(), 4u) << submitted.out;
-  EXPECT_EQ(lines[0].at("outcome"), "submit");
-  EXPECT_EQ(lines[1].at("outcome"), "noData");
-  EXPECT_EQ(lines[2].at("outcome"), "submit");
+  EXPECT_EQ(json::array({lines[0].at("outcome"), lines[1].at("outcome"), lines[2].at("outcome")}),
+            json::array({"submit", "noData", "submit"}));
   EXPECT_EQ(lines[3].at("receipt").at("deviceKeyId"), key.at("serverDeviceKeyId"));
   EXPECT_EQ(lines[3].at("receipt").at("accepted").size(), 2u);
 
@@ -131,8 +130,8 @@ TEST_F(EvidenceServiceCommandsTest, RegisterThenSubmitPrintsOneLinePerDayAndTheR
   const auto refused = runKovi(submitArguments({1}));
   EXPECT_EQ(refused.exitStatus, 1);
   const auto error = json::parse(refused.out);
-  EXPECT_EQ(error.at("code"), "walking_evidence_revision_conflict");
-  EXPECT_EQ(error.at("failure"), "rejected");
+  EXPECT_EQ(json::array({error.at("code"), error.at("failure")}),
+            json::array({"walking_evidence_revision_conflict", "rejected"}));
   // A rejected submission is rebuilt after a minute, not retried at once.
   EXPECT_GT(error.at("nextAttemptAt").get<std::int64_t>(), Date::now().unixMillis() + 50'000);
   EXPECT_EQ(error.at("message"),
@@ -205,11 +204,9 @@ TEST_F(EvidenceUploadCommandTest, OnePassPostsTheOpenKoviFromTheExport) {
   const auto lines = jsonLines(run.out);
   ASSERT_EQ(lines.size(), 2u) << run.out;
   EXPECT_EQ(lines[0].at("reference"), EvidenceFixture::kReference);
-  const auto& days = lines[0].at("days");
-  ASSERT_EQ(days.size(), 3u);
-  EXPECT_EQ(days[0].at("outcome"), "submit");
-  EXPECT_EQ(days[1].at("outcome"), "submit");
-  EXPECT_EQ(days[2].at("outcome"), "noData");
+  json outcomes = json::array();
+  for (const auto& day : lines[0].at("days")) outcomes.push_back(day.at("outcome"));
+  EXPECT_EQ(outcomes, json::array({"submit", "submit", "noData"}));
   EXPECT_EQ(lines[0].at("receipt").at("accepted").size(), 2u);
   EXPECT_EQ(lines[1], (json{{"posted", 1}, {"failed", 0}, {"cursorLoop", false}}));
 }
