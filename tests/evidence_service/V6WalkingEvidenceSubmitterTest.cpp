@@ -74,11 +74,10 @@ TEST_F(V6WalkingEvidenceSubmitterTest, ALostReceiptIsResentWithTheSameRequestIdA
   ASSERT_TRUE(resent->resolved[0].receipt.has_value());
   // The day plan after the resend finds the service holding exactly this data.
   EXPECT_EQ(outcomes(*resent), (std::vector<std::string>{"unchanged", "unchanged", "noData"}));
-  const auto requests = service.state().submittedRequestIds;
-  ASSERT_EQ(requests.size(), 2u);
-  EXPECT_EQ(requests[0], requests[1]);
-  EXPECT_EQ(service.state().day(0).revision, 1);
-  EXPECT_EQ(service.state().acceptedSubmissions, 1);
+  const auto state = service.state();
+  ASSERT_EQ(state.submittedRequestIds.size(), 2u);
+  EXPECT_EQ(std::tuple(state.submittedRequestIds[1], state.day(0).revision, state.acceptedSubmissions),
+            std::tuple(state.submittedRequestIds[0], 1, 1));
   EXPECT_TRUE(device.pending.pending(kOwner).records.empty());
 }
 
@@ -91,12 +90,10 @@ TEST_F(V6WalkingEvidenceSubmitterTest, TheWriterMovesFromThisDevicesReplacedKeyB
   EXPECT_EQ(second.replacedServerDeviceKeyIds, std::vector<std::string>{*first.serverDeviceKeyId});
   const auto outcome = device.submit(second, {0, 1});
   ASSERT_TRUE(outcome.has_value()) << outcome.error().code << ": " << outcome.error().detail;
-  ASSERT_TRUE(outcome->transfer.has_value());
-  EXPECT_EQ(outcome->transfer->writerEpoch, 2);
-  ASSERT_TRUE(outcome->receipt.has_value());
-  EXPECT_EQ(outcome->receipt->deviceKeyId, *second.serverDeviceKeyId);
-  EXPECT_EQ(outcome->receipt->writerEpoch, 2);
-  EXPECT_EQ(service.state().writerDeviceKeyId, second.serverDeviceKeyId);
+  ASSERT_TRUE(outcome->transfer && outcome->receipt);
+  EXPECT_EQ(std::tuple(outcome->transfer->writerEpoch, outcome->receipt->writerEpoch, outcome->receipt->deviceKeyId,
+                       service.state().writerDeviceKeyId),
+            std::tuple(2, 2, *second.serverDeviceKeyId, second.serverDeviceKeyId));
 }
 
 TEST_F(V6WalkingEvidenceSubmitterTest, AnotherDevicesWriterIsLeftAloneAndNothingIsSent) {
@@ -128,9 +125,8 @@ TEST_F(V6WalkingEvidenceSubmitterTest, RefusalsThatEndAPendingSubmissionDropItAn
     steps += 100;  // new data each round, so there is always something to send
     const auto refused = device.submit(key, {0, 1}, steps);
     ASSERT_FALSE(refused.has_value());
-    EXPECT_EQ(refused.error().code, c.code);
-    EXPECT_EQ(refused.error().failure, WalkingEvidenceFailure::rejected);
-    EXPECT_EQ(refused.error().message, c.message);
+    EXPECT_EQ(std::tuple(refused.error().code, refused.error().failure, refused.error().message),
+              std::tuple(c.code, WalkingEvidenceFailure::rejected, c.message));
     EXPECT_TRUE(device.pending.pending(kOwner).records.empty());
     service.limitPayloadBytes(1 << 20);
 
