@@ -5,6 +5,7 @@
 
 #include "KoviKit/evidence/V6EvidenceSubmissionError.h"
 #include "KoviKit/evidence/WalkingEvidenceError.h"
+#include "tests/evidence/WalkingTestSupport.h"
 
 namespace kovi {
 namespace {
@@ -25,27 +26,13 @@ TEST(V6EvidenceErrorTable, MapsEachCodeOnceToATurkishMessageAndFallsBack) {
 }
 
 
+// failure-classes.json: rows of a code of the exchange, its failure class, and whether it drops the pending record.
 TEST(V6EvidenceSubmissionErrorTest, EveryCodeOfTheExchangeFallsInItsFailureClassAndPendingFate) {
-  using F = WalkingEvidenceFailure;
-  const struct { const char* code; F failure; bool drops; } cases[] = {
-      {"attestation_unsupported", F::attestationUnsupported, false},
-      {"challenge_expired", F::attestation, false},
-      {"challenge_consumed", F::attestation, true},
-      {"device_key_not_registered", F::attestation, true},
-      {"assertion_counter_replay", F::attestation, true},
-      {"attestation_key_unknown", F::attestation, true},
-      {"walking_evidence_writer_epoch_stale", F::rejected, false},
-      {"walking_evidence_writer_device_mismatch", F::rejected, false},
-      {"walking_evidence_request_conflict", F::rejected, true},
-      {"walking_evidence_payload_too_large", F::rejected, true},
-      {"walking_evidence_revision_conflict", F::rejected, true},
-      {"walking_no_closed_bucket", F::noData, false},
-      {"walking_no_readable_data", F::noData, false},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.code);
-    EXPECT_EQ(walkingEvidenceFailure(c.code), c.failure);
-    EXPECT_EQ(dropsPendingRecord(c.code), c.drops);
+  using Row = std::tuple<std::string, std::string, bool>;
+  for (const auto& [code, failure, drops] :
+       nlohmann::json::parse(testing::evidenceData("failure-classes.json")).get<std::vector<Row>>()) {
+    SCOPED_TRACE(code);
+    EXPECT_EQ(Row(code, enumName(walkingEvidenceFailure(code)), dropsPendingRecord(code)), Row(code, failure, drops));
   }
 }
 

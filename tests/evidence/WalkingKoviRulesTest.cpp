@@ -51,37 +51,16 @@ TEST(WalkingRulesCanonical, WritesDeclaredOrderWithoutWhitespaceAndHashesIt) {
   }
 }
 
-// Each case merges a patch into the daily rules (null drops a key); the whole record is refused, naming the key.
+// refused-rules.json: rows of a patch merged into the daily rules (null drops a key) and the error naming the key;
+// the whole record is refused.
 TEST(WalkingRulesRefused, RefusesTheWholeRecordAndNamesTheKey) {
-  struct Case { std::string_view patch; std::string_view error; };
-  for (const Case& example : {
-           Case{R"({"mode":"walk"})", R"(mode: unknown value "walk")"},
-           Case{R"({"bonus":1})", "bonus: unknown key"},
-           Case{R"({"durationDays":null})", "durationDays: missing key"},
-           Case{R"({"dayWindows":[{"start":1,"end":2,"day":0}]})", "dayWindows[0].day: unknown key"},
-           Case{R"({"rankPayoutsBps":["6000"]})", "rankPayoutsBps[0]: expected an integer, found a string"},
-           Case{R"({"durationDays":3.0})", "durationDays: expected an integer, found a number"},
-           Case{R"({"stepTarget":8e3})", "stepTarget: expected an integer, found a number"},
-           Case{R"({"stepTarget":-1})", "stepTarget: must not be negative"},
-           Case{R"({"durationDays":0})", "durationDays: must be 1 to 366"},
-           Case{R"({"exitPenaltyBps":10001})", "exitPenaltyBps: must be 0 to 10000"},
-           Case{R"({"goalMode":null})", "goalMode: required in goal mode"},
-           Case{R"({"raceMode":"highestTotal"})", "raceMode: only for race mode"},
-           Case{R"({"mode":"race","goalMode":null})", "raceMode: required in race mode"},
-           Case{R"({"mode":"race","raceMode":"highestTotal"})", "goalMode: only for goal mode"},
-           Case{R"({"requiredSuccessfulDays":4})", "requiredSuccessfulDays: must be 1 to durationDays (3)"},
-           Case{R"({"requiredSuccessfulDays":0})", "requiredSuccessfulDays: must be 1 to durationDays (3)"},
-           Case{R"({"payoutRule":"ranked"})", "rankPayoutsBps: a ranked payout needs 1 to 100 shares totalling 10000"},
-           Case{R"({"payoutRule":"ranked","rankPayoutsBps":[6000,3999]})",
-                "rankPayoutsBps: a ranked payout needs 1 to 100 shares totalling 10000"},
-           Case{R"({"rankPayoutsBps":[0]})", "rankPayoutsBps: each share must be 1 to 10000"},
-       }) {
-    SCOPED_TRACE(example.patch);
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("refused-rules.json"))) {
+    SCOPED_TRACE(example[0].dump());
     nlohmann::json document = nlohmann::json::parse(kDailyRules);
-    document.merge_patch(nlohmann::json::parse(example.patch));
+    document.merge_patch(example[0]);
     const auto rules = JsonView(document).as<WalkingKoviRules>();
     ASSERT_FALSE(rules.has_value()) << document.dump();
-    EXPECT_EQ(rules.error().message(), example.error);
+    EXPECT_EQ(rules.error().message(), example[1]);
   }
   // With a repeated key the hash would depend on which copy a reader keeps.
   const auto repeated = decodeJsonText<WalkingKoviRules>(R"({"stepTarget":1,)" + std::string(kDailyRules.substr(1)));
