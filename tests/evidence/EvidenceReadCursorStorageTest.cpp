@@ -129,43 +129,20 @@ TEST_P(EvidenceReadCursorStorageTest, RefusesToStoreWhatItCouldNotLoad) {
 // kScope as stored.
 const std::string kScopeJson = testing::evidenceData("scope.json");
 
+// stored-cursors.json: rows of a name, whether the document is the accepted-days record rather than the cursor
+// record, the document, and the error and reason its load fails with; a record over the size limit joins them.
 TEST_P(EvidenceReadCursorStorageTest, TellsANewerVersionFromACorruptOrOversizedRecord) {
-  // accepted: the document is the accepted-days record rather than the cursor record.
-  const struct {
-    const char* name; bool accepted; std::string json; EvidenceReadError error; std::string reason;
-  } cases[] = {
-      {"newerVersion", false, R"({"version": 2, "anything": "else"})", EvidenceReadError::unsupportedStoredVersion,
-       "version 2 is not supported"},
-      {"noVersion", false, R"({"scope": {}, "lastItemID": "x"})", EvidenceReadError::invalidStoredCursor,
-       "version: missing key"},
-      {"missingItem", false, R"({"version": 1, "scope": )" + kScopeJson + "}", EvidenceReadError::invalidStoredCursor,
-       "lastItemID: missing key"},
-      {"emptyItem", false, R"({"version": 1, "scope": )" + kScopeJson + R"(, "lastItemID": ""})",
-       EvidenceReadError::invalidStoredCursor, "lastItemID is empty"},
-      {"otherScope", false,
-       R"({"version": 1, "scope": )" + kScopeJson.substr(0, kScopeJson.size() - 11) +
-           R"("device-2"}, "lastItemID": "3"})",
-       EvidenceReadError::invalidStoredCursor, "belongs to another scope"},
-      {"unknownKind", false, R"({"version": 1, "scope": {"kind":"sleep"}, "lastItemID": "3"})",
-       EvidenceReadError::invalidStoredCursor, "scope.kind: unknown value"},
-      {"tooLarge", false, R"({"version": 1, "lastItemID": ")" + std::string(70000, 'x') + "\"}",
-       EvidenceReadError::storageTooLarge, "larger than 65536 bytes"},
-      {"otherOwner", true,
-       R"({"version":1,"ownerID":"acct-mert","subjectID":"kovi-42","bindingID":"binding-7","days":{"0":5}})",
-       EvidenceReadError::invalidStoredCursor, "another owner"},
-      {"dayKeyNotANumber", true,
-       R"({"version":1,"ownerID":"acct-ayse","subjectID":"kovi-42","bindingID":"binding-7","days":{"01":5}})",
-       EvidenceReadError::invalidStoredCursor, "days.01: not a valid key"},
-      {"acceptedNewerVersion", true, R"({"version":7})", EvidenceReadError::unsupportedStoredVersion, "version 7"},
-  };
-  for (const auto& stored : cases) {
-    SCOPED_TRACE(stored.name);
+  auto rows = nlohmann::ordered_json::parse(testing::evidenceData("stored-cursors.json"));
+  rows.push_back({"tooLarge", false, {{"version", 1}, {"lastItemID", std::string(70000, 'x')}}, "storageTooLarge",
+                  "larger than 65536 bytes"});
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row[0].get<std::string>());
     const auto test = GetParam()();
-    (stored.accepted ? test.plantAccepted : test.plantRecord)(stored.json);
+    (row[1] ? test.plantAccepted : test.plantRecord)(row[2].dump());
     const auto failure =
-        stored.accepted ? failureOf(test.storage->loadAccepted(kScope)) : failureOf(test.storage->loadRecord(kScope));
-    EXPECT_EQ(failure.error, stored.error) << failure.detail;
-    EXPECT_NE(failure.detail.find(stored.reason), std::string::npos) << failure.detail;
+        row[1] ? failureOf(test.storage->loadAccepted(kScope)) : failureOf(test.storage->loadRecord(kScope));
+    EXPECT_EQ(enumName(failure.error), row[3].get<std::string>()) << failure.detail;
+    EXPECT_NE(failure.detail.find(row[4].get<std::string>()), std::string::npos) << failure.detail;
   }
 }
 
