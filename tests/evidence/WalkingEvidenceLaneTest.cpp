@@ -8,6 +8,7 @@
 #include "KoviKit/evidence/WalkingEvidenceBackoffStore.h"
 #include "KoviKit/evidence/WalkingEvidenceLane.h"
 #include "KoviKit/evidence/WalkingProgressSummary.h"
+#include "KoviKit/foundation/Json.h"
 #include "WalkingTestSupport.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -18,26 +19,17 @@ using testing::at;
 using testing::kHour;
 using testing::kMinute;
 using Lane = WalkingEvidenceLane;
-using Visibility = WalkingEvidenceUploadVisibility;
 
+// lanes.json: rows of a name, the hour and extra milliseconds of `now`, and the lane with the upload's visibility
+// without and with missing days, for a kovi running from hour 1000 to 1072 and verified until hour 1096.
 TEST(WalkingEvidenceSchedule, PlacesTheKoviInItsLaneAndShowsTheUpload) {
   const WalkingEvidenceSchedule schedule{1000 * kHour, 1072 * kHour, 1096 * kHour};
-  struct Case { std::string name; UnixMillis now; Lane lane; Visibility withoutMissing; Visibility withMissing; };
-  const std::vector<Case> cases{
-      {"beforeTheStart", 999 * kHour, Lane::pending, Visibility::hidden, Visibility::hidden},
-      {"firstDay", 1000 * kHour, Lane::open, Visibility::standard, Visibility::standard},
-      {"lastDayMorning", 1066 * kHour - 1, Lane::open, Visibility::standard, Visibility::standard},
-      {"lastSixHours", 1066 * kHour, Lane::closingSoon, Visibility::standard, Visibility::urgent},
-      {"lastDayEnded", 1072 * kHour, Lane::finalizing, Visibility::hidden, Visibility::urgent},
-      {"verificationEnding", 1096 * kHour - 1, Lane::finalizing, Visibility::hidden, Visibility::urgent},
-      {"closed", 1096 * kHour, Lane::final, Visibility::closed, Visibility::closed},
-  };
-  for (const Case& example : cases) {
-    SCOPED_TRACE(example.name);
-    const Lane lane = schedule.laneAt(example.now);
-    EXPECT_EQ(std::tuple(enumName(lane), WalkingEvidenceSchedule::visibility(lane, false),
-                         WalkingEvidenceSchedule::visibility(lane, true)),
-              std::tuple(enumName(example.lane), example.withoutMissing, example.withMissing));
+  for (const auto& row : nlohmann::json::parse(testing::evidenceData("lanes.json"))) {
+    SCOPED_TRACE(row[0].get<std::string>());
+    const Lane lane = schedule.laneAt(row[1].get<UnixMillis>() * kHour + row[2].get<UnixMillis>());
+    EXPECT_EQ(nlohmann::json::array({enumName(lane), enumName(WalkingEvidenceSchedule::visibility(lane, false)),
+                                     enumName(WalkingEvidenceSchedule::visibility(lane, true))}),
+              nlohmann::json::array({row[3], row[4], row[5]}));
   }
 }
 
