@@ -125,19 +125,13 @@ TEST(HealthExportXmlParserTest, ReadsSamplesAcrossAnyChunking) {
   }
 }
 
+// export-dates.json: rows of a date as Health exports write it and the instant it names, or null when refused.
 TEST(HealthExportXmlParserTest, ParsesTheExportDateForm) {
-  const std::vector<std::pair<std::string_view, std::optional<UnixMillis>>> cases{
-      {"2026-03-02 09:41:07 +0300", at("2026-03-02T06:41:07Z")},
-      {"2026-03-02 09:41:07 -0130", at("2026-03-02T11:11:07Z")},
-      {"2024-02-29 00:00:00 +0000", at("2024-02-29T00:00:00Z")},
-      {"2026-02-29 00:00:00 +0000", std::nullopt},
-      {"2026-03-02 24:00:00 +0300", std::nullopt},
-      {"2026-03-02T09:41:07 +0300", std::nullopt},
-      {"2026-03-02 09:41:07 +03:00", std::nullopt},
-      {"2026-3-02 09:41:07 +0300", std::nullopt},
-      {"0000-01-01 00:00:00 +0000", std::nullopt},
-  };
-  for (const auto& [text, expected] : cases) EXPECT_EQ(parseHealthExportDate(text), expected) << text;
+  for (const auto& row : nlohmann::json::parse(testing::evidenceData("export-dates.json"))) {
+    EXPECT_EQ(parseHealthExportDate(row[0].get<std::string>()),
+              row[1].is_null() ? std::nullopt : std::optional(at(row[1].get<std::string>())))
+        << row[0];
+  }
 }
 
 }  // namespace
