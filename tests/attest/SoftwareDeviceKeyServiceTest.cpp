@@ -59,8 +59,7 @@ TEST_F(SoftwareDeviceKeyServiceTest, CountersRiseAcrossServicesSharingAKeyAndNev
   // Within a block a service counts by one; a service that finds another's
   // reservation on disk moves past it, so the key's counters rise overall.
   const struct {
-    SoftwareDeviceKeyService* service;
-    std::uint32_t counter;
+    SoftwareDeviceKeyService* service; std::uint32_t counter;
   } steps[] = {{&keys, 1},  {&keys, 2},           {&other, kBlock + 1},     {&keys, 2 * kBlock + 1},
                {&other, 3 * kBlock + 1}, {&other, 3 * kBlock + 2}, {&keys, 4 * kBlock + 1}};
   for (const auto& step : steps) {
@@ -111,20 +110,6 @@ TEST_F(SoftwareDeviceKeyServiceTest, AProcessKilledWhileAssertingNeverLetsItsCou
   EXPECT_GT(verifyAssertion(publicKey, kApp, clientDataHash, *next).value(), last);
 }
 
-TEST_F(SoftwareDeviceKeyServiceTest, AssertionDoesNotVerifyForAnotherHashAppOrKey) {
-  const std::string keyId = newKey();
-  const std::string otherKeyId = newKey();
-  const auto assertion = keys.generateAssertion(keyId, clientDataHash).value();
-  const auto publicKey = keys.publicKey(keyId).value();
-  EXPECT_FALSE(verifyAssertion(publicKey, kApp, sha256("other data"), assertion));
-  EXPECT_FALSE(verifyAssertion(publicKey, "TEAM1234.app.other", clientDataHash, assertion));
-  EXPECT_FALSE(verifyAssertion(keys.publicKey(otherKeyId).value(), kApp, clientDataHash, assertion));
-  auto truncated = assertion;
-  truncated.authenticatorData.pop_back();
-  EXPECT_EQ(verifyAssertion(publicKey, kApp, clientDataHash, truncated).error(),
-            "authenticator data is 35 bytes, not 36");
-}
-
 TEST_F(SoftwareDeviceKeyServiceTest, RefusesKeyIdsThatAreNotItsOwnFileNames) {
   const std::string keyId = newKey();
   for (const std::string& bad : {std::string("../../etc/passwd"), keyId.substr(1), std::string(64, 'A'),
@@ -150,10 +135,7 @@ TEST_F(SoftwareDeviceKeyServiceTest, RefusesAKeyFileThatHoldsAnotherKey) {
 TEST_F(SoftwareDeviceKeyServiceTest, ADamagedMissingOrUsedUpCounterIsRefusedAndLeftAsItIs) {
   const std::string keyId = newKey();
   const fs::path counter = directory.path() / "Kovi/DeviceKeys/v1" / (keyId + ".counter");
-  const struct {
-    std::optional<std::string> contents;
-    const char* detail;
-  } cases[] = {
+  const struct { std::optional<std::string> contents; const char* detail; } cases[] = {
       {R"({"counter":)", "is corrupt"},
       {R"({"counter":-1})", "is corrupt"},
       {R"({"counter":4294967295})", "used up"},
@@ -182,25 +164,28 @@ TEST_F(SoftwareDeviceKeyServiceTest, ADamagedMissingOrUsedUpCounterIsRefusedAndL
   EXPECT_EQ(verifyAssertion(keys.publicKey(keyId).value(), kApp, clientDataHash, *last), 4294967295u);
 }
 
-TEST(P256VerificationTest, RefusesKeysThatAreNotP256AndTrailingBytes) {
-  const TemporaryDirectory directory;
-  SoftwareDeviceKeyService keys(directory.path(), std::string(kApp));
-  const std::string keyId = keys.generateKey().value();
-  const Sha256Digest hash = sha256("x");
-  const auto assertion = keys.generateAssertion(keyId, hash).value();
-  auto publicKey = keys.publicKey(keyId).value();
-  ASSERT_TRUE(verifyAssertion(publicKey, kApp, hash, assertion).has_value());
-
+// Another hash, app or key; a cut authenticator; a key with trailing bytes, no key, or a P-384 key.
+TEST_F(SoftwareDeviceKeyServiceTest, AssertionVerifiesOnlyForItsHashAppAndP256Key) {
+  const std::string keyId = newKey();
+  const auto assertion = keys.generateAssertion(keyId, clientDataHash).value();
+  const auto publicKey = keys.publicKey(keyId).value();
+  ASSERT_TRUE(verifyAssertion(publicKey, kApp, clientDataHash, assertion).has_value());
+  auto truncated = assertion;
+  truncated.authenticatorData.pop_back();
+  EXPECT_EQ(verifyAssertion(publicKey, kApp, clientDataHash, truncated).error(),
+            "authenticator data is 35 bytes, not 36");
   auto trailing = publicKey;
   trailing.push_back(0);
-  EXPECT_FALSE(verifyAssertion(trailing, kApp, hash, assertion).has_value());
-  EXPECT_FALSE(verifyAssertion(std::vector<std::uint8_t>{0x30, 0x00}, kApp, hash, assertion).has_value());
   // A P-384 public key (SubjectPublicKeyInfo DER) must not count as a device key.
   const auto p384 = base64Decode(
       "MHYwEAYHKoZIzj0CAQYFK4EEACIDYgAEl35RT+RToNWqExFoh7oKHKr36V0UhIhvix+9eogKBmvs1GxY25D2lpZNASz6M2LzIkn7xW"
       "FOom5r6fcb3WFBV/uWFGg6G+u1pLg4FJ2gcNHihrr1midWZFBhBLRLS5+9");
   ASSERT_TRUE(p384.has_value());
-  EXPECT_FALSE(verifyP256Signature(*p384, "x", assertion.signature));
+  const struct { std::vector<std::uint8_t> key; std::string_view app; Sha256Digest hash; } refused[] = {
+      {publicKey, kApp, sha256("other data")}, {publicKey, "TEAM1234.app.other", clientDataHash},
+      {keys.publicKey(newKey()).value(), kApp, clientDataHash}, {trailing, kApp, clientDataHash},
+      {{0x30, 0x00}, kApp, clientDataHash}, {*p384, kApp, clientDataHash}};
+  for (const auto& c : refused) EXPECT_FALSE(verifyAssertion(c.key, c.app, c.hash, assertion).has_value()) << c.app;
 }
 
 }  // namespace

@@ -4,29 +4,16 @@
 
 #include <string>
 
+#include "tests/evidence/WalkingTestSupport.h"
+
 namespace kovi {
 namespace {
 
+// A three-day envelope of device-key-7 at writer epoch 3.
 AttestedEvidenceEnvelope threeDays() {
-  AttestedEvidenceEnvelope envelope;
-  envelope.appIdentity = "TEAM.app.kovi";
-  envelope.financialActorId = "actor-1";
-  envelope.deviceKeyId = "device-key-7";
-  envelope.writerEpoch = 3;
-  envelope.chainId = 8453;
-  envelope.registryAddress = "0x" + std::string(40, 'a');
-  envelope.koviId = "42";
-  envelope.rulesHash = std::string(64, 'b');
-  envelope.requestId = "req-1";
-  envelope.challengeId = "challenge-1";
-  envelope.challenge = "c";
-  envelope.windowIds = {0, 1, 2};
-  envelope.expectedRevisions = {0, 2, 0};
-  envelope.measurementCutoffs = {1000, 2000, 3000};
-  envelope.evidencePayloadHash = std::string(64, 'c');
-  envelope.issuedAt = 1'700'000'000'000;
-  envelope.expiresAt = 1'700'000'600'000;
-  return envelope;
+  auto envelope = decodeJsonText<AttestedEvidenceEnvelope>(testing::evidenceData("envelope.json"));
+  EXPECT_TRUE(envelope.has_value()) << envelope.error().message();
+  return envelope.value_or(AttestedEvidenceEnvelope{});
 }
 
 TEST(AttestedEvidenceEnvelopeTest, CanonicalTextIsWrittenFieldByFieldWithoutWhitespace) {
@@ -38,10 +25,7 @@ TEST(AttestedEvidenceEnvelopeTest, CanonicalTextIsWrittenFieldByFieldWithoutWhit
   const std::string tail = R"(,"evidencePayloadHash":")" + std::string(64, 'c') +
                            R"(","issuedAt":1700000000000,"expiresAt":1700000600000})";
   const struct {
-    const char* name;
-    std::string challenge;
-    std::vector<std::int64_t> days, revisions, cutoffs;
-    std::string expected;
+    const char* name; std::string challenge; std::vector<std::int64_t> days, revisions, cutoffs; std::string expected;
   } cases[] = {
       {"three days", "c", {0, 1, 2}, {0, 2, 0}, {1000, 2000, 3000},
        R"("c","windowIds":[0,1,2],"expectedRevisions":[0,2,0],"measurementCutoffs":[1000,2000,3000])"},
@@ -100,11 +84,11 @@ TEST(AttestedEvidenceEnvelopeTest, HexCheckAcceptsOnlyLowercaseOf64To256Digits) 
 }
 
 TEST(AttestedEvidenceEnvelopeTest, DecodingRefusesMissingAndUnknownFields) {
-  auto json = encodeRecord(threeDays());
-  ASSERT_EQ(decodeJsonText<AttestedEvidenceEnvelope>(json.dump()), threeDays());
+  auto json = nlohmann::ordered_json::parse(testing::evidenceData("envelope.json"));
+  ASSERT_EQ(encodeRecord(threeDays()), json);
   json.erase("challengeId");
   EXPECT_EQ(decodeJsonText<AttestedEvidenceEnvelope>(json.dump()).error().message(), "challengeId: missing key");
-  json = encodeRecord(threeDays());
+  json["challengeId"] = "c";
   json["extra"] = 1;
   EXPECT_EQ(decodeJsonText<AttestedEvidenceEnvelope>(json.dump()).error().message(), "extra: unknown key");
   EXPECT_EQ(decodeJsonText<AttestedEvidenceEnvelope>(R"({"koviId":"1","koviId":"2"})").error().message(),

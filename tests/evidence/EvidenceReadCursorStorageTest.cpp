@@ -11,6 +11,7 @@
 #include "KoviKit/evidence/EvidenceReadCursorFileStorage.h"
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/foundation/FileKeyValueStore.h"
+#include "tests/evidence/WalkingTestSupport.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace kovi {
@@ -25,6 +26,12 @@ template <class T>
 std::optional<T> loaded(const std::expected<std::optional<T>, EvidenceReadFailure>& result) {
   EXPECT_TRUE(result.has_value()) << result.error().detail;
   return result.value_or(std::nullopt);
+}
+
+// Why a load failed; no reason at all when it did not.
+template <class T>
+EvidenceReadFailure failureOf(const std::expected<T, EvidenceReadFailure>& result) {
+  return result ? EvidenceReadFailure{} : result.error();
 }
 
 Storage::AcceptedRecord acceptedDays(std::map<int, std::int64_t> days) {
@@ -99,80 +106,43 @@ TEST_P(EvidenceReadCursorStorageTest, RefusesToStoreWhatItCouldNotLoad) {
   Storage& storage = *test.storage;
   EvidenceReadScope noOwner = kScope;
   noOwner.ownerID.clear();
+  const auto firstDays = [](int count) {
+    std::map<int, std::int64_t> days;
+    for (int day = 0; day < count; ++day) days[day] = 1;
+    return days;
+  };
   const std::vector<std::pair<std::expected<void, EvidenceReadFailure>, EvidenceReadError>> refusals{
       {storage.saveRecord({Storage::kVersion, noOwner, "day-1"}), EvidenceReadError::invalidScope},
       {storage.saveRecord({Storage::kVersion, kScope, ""}), EvidenceReadError::invalidStoredCursor},
       {storage.saveAccepted(kScope, acceptedDays({})), EvidenceReadError::invalidStoredCursor},
       {storage.saveAccepted(kScope, acceptedDays({{0, -1}})), EvidenceReadError::invalidStoredCursor},
       {storage.saveAccepted(noOwner, acceptedDays({{0, 1}})), EvidenceReadError::invalidScope},
+      {storage.saveAccepted(kScope, acceptedDays(firstDays(366))), EvidenceReadError::invalidStoredCursor},
   };
   for (const auto& [result, expected] : refusals) {
     ASSERT_FALSE(result.has_value());
     EXPECT_EQ(result.error().error, expected) << result.error().detail;
   }
-  std::map<int, std::int64_t> year;
-  for (int day = 0; day < 366; ++day) year[day] = 1;
-  const auto tooMany = storage.saveAccepted(kScope, acceptedDays(year));
-  ASSERT_FALSE(tooMany.has_value());
-  EXPECT_EQ(tooMany.error().error, EvidenceReadError::invalidStoredCursor);
-  year.erase(365);
-  EXPECT_TRUE(storage.saveAccepted(kScope, acceptedDays(year)).has_value());
+  EXPECT_TRUE(storage.saveAccepted(kScope, acceptedDays(firstDays(365))).has_value());
 }
 
-struct StoredDocument {
-  const char* name;
-  std::string json;
-  EvidenceReadError error;
-  std::string reason;
-};
+// kScope as stored.
+const std::string kScopeJson = testing::evidenceData("scope.json");
 
-const std::string kScopeJson =
-    R"({"kind":"walking","ownerID":"acct-ayse","subjectID":"kovi-42","bindingID":"binding-7","writerEpoch":3,"writerDeviceID":"device-1"})";
-
-const std::vector<StoredDocument> kStoredRecords{
-    {"newerVersion", R"({"version": 2, "anything": "else"})", EvidenceReadError::unsupportedStoredVersion,
-     "version 2 is not supported"},
-    {"noVersion", R"({"scope": {}, "lastItemID": "x"})", EvidenceReadError::invalidStoredCursor, "version: missing key"},
-    {"missingItem", R"({"version": 1, "scope": )" + kScopeJson + "}", EvidenceReadError::invalidStoredCursor,
-     "lastItemID: missing key"},
-    {"emptyItem", R"({"version": 1, "scope": )" + kScopeJson + R"(, "lastItemID": ""})",
-     EvidenceReadError::invalidStoredCursor, "lastItemID is empty"},
-    {"otherScope", R"({"version": 1, "scope": )" + kScopeJson.substr(0, kScopeJson.size() - 11) + R"("device-2"}, "lastItemID": "3"})",
-     EvidenceReadError::invalidStoredCursor, "belongs to another scope"},
-    {"unknownKind", R"({"version": 1, "scope": )" + std::string(R"({"kind":"sleep"})") + R"(, "lastItemID": "3"})",
-     EvidenceReadError::invalidStoredCursor, "scope.kind: unknown value"},
-    {"tooLarge", R"({"version": 1, "lastItemID": ")" + std::string(70000, 'x') + "\"}",
-     EvidenceReadError::storageTooLarge, "larger than 65536 bytes"},
-};
-
+// stored-cursors.json: rows of a name, whether the document is the accepted-days record rather than the cursor
+// record, the document, and the error and reason its load fails with; a record over the size limit joins them.
 TEST_P(EvidenceReadCursorStorageTest, TellsANewerVersionFromACorruptOrOversizedRecord) {
-  for (const auto& stored : kStoredRecords) {
+  auto rows = nlohmann::ordered_json::parse(testing::evidenceData("stored-cursors.json"));
+  rows.push_back({"tooLarge", false, {{"version", 1}, {"lastItemID", std::string(70000, 'x')}}, "storageTooLarge",
+                  "larger than 65536 bytes"});
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row[0].get<std::string>());
     const auto test = GetParam()();
-    test.plantRecord(stored.json);
-    const auto loaded = test.storage->loadRecord(kScope);
-    ASSERT_FALSE(loaded.has_value()) << stored.name;
-    EXPECT_EQ(loaded.error().error, stored.error) << stored.name << ": " << loaded.error().detail;
-    EXPECT_NE(loaded.error().detail.find(stored.reason), std::string::npos) << loaded.error().detail;
-  }
-}
-
-TEST_P(EvidenceReadCursorStorageTest, ChecksTheAcceptedRecordsOwnerAndDays) {
-  const std::vector<StoredDocument> documents{
-      {"otherOwner",
-       R"({"version":1,"ownerID":"acct-mert","subjectID":"kovi-42","bindingID":"binding-7","days":{"0":5}})",
-       EvidenceReadError::invalidStoredCursor, "another owner"},
-      {"dayKeyNotANumber",
-       R"({"version":1,"ownerID":"acct-ayse","subjectID":"kovi-42","bindingID":"binding-7","days":{"01":5}})",
-       EvidenceReadError::invalidStoredCursor, "days.01: not a valid key"},
-      {"newerVersion", R"({"version":7})", EvidenceReadError::unsupportedStoredVersion, "version 7"},
-  };
-  for (const auto& stored : documents) {
-    const auto test = GetParam()();
-    test.plantAccepted(stored.json);
-    const auto loaded = test.storage->loadAccepted(kScope);
-    ASSERT_FALSE(loaded.has_value()) << stored.name;
-    EXPECT_EQ(loaded.error().error, stored.error) << stored.name << ": " << loaded.error().detail;
-    EXPECT_NE(loaded.error().detail.find(stored.reason), std::string::npos) << loaded.error().detail;
+    (row[1] ? test.plantAccepted : test.plantRecord)(row[2].dump());
+    const auto failure =
+        row[1] ? failureOf(test.storage->loadAccepted(kScope)) : failureOf(test.storage->loadRecord(kScope));
+    EXPECT_EQ(enumName(failure.error), row[3].get<std::string>()) << failure.detail;
+    EXPECT_NE(failure.detail.find(row[4].get<std::string>()), std::string::npos) << failure.detail;
   }
 }
 

@@ -129,8 +129,7 @@ TEST_F(EvidenceReadSchedulerTest, RefusesWhatItCannotSchedule) {
 }
 
 TEST_F(EvidenceReadSchedulerTest, AStoredCursorThatCannotBeUsedStopsTheRead) {
-  const std::string scope =
-      R"({"kind":"walking","ownerID":"acct-ayse","subjectID":"kovi-42","bindingID":"binding-7","writerEpoch":3,"writerDeviceID":"device-1"})";
+  const std::string scope = testing::evidenceData("scope.json");
   const std::vector<std::pair<std::string, EvidenceReadError>> stored{
       {R"({"version":1,"scope":)" + scope + R"(,"lastItemID":"9"})", EvidenceReadError::invalidStoredCursor},
       {R"({"version":2})", EvidenceReadError::unsupportedStoredVersion},
@@ -159,19 +158,11 @@ TEST_F(EvidenceReadSchedulerTest, ACommitThatCannotBeStoredIsReported) {
   EXPECT_EQ(committed.error().error, EvidenceReadError::storageUnavailable);
 }
 
-// A store that answers with fixed samples.
-class OneSampleStore final : public HealthEvidenceStore {
- public:
-  HealthEvidenceAuthorization authorization() const override { return HealthEvidenceAuthorization::requestCompleted; }
-  std::expected<std::vector<HealthStepSample>, std::string> stepSamples(UnixMillis, UnixMillis) override {
-    return std::vector<HealthStepSample>{{kStart + kDay, kStart + kDay + testing::kBucket, 120, "Apple Watch"}};
-  }
-};
-
 TEST_F(EvidenceReadSchedulerTest, AScheduledReadReadsOnlyItsBatch) {
   const auto read = scheduler.begin(kScope, days(0, 5), kStart + 10 * kDay);
   ASSERT_TRUE(read.has_value());
-  OneSampleStore store;
+  testing::FixedStore store;
+  store.answer = std::vector<HealthStepSample>{{kStart + kDay, kStart + kDay + testing::kBucket, 120, "Apple Watch"}};
   const auto batch = read->run(store, HealthSourcePriority());
   EXPECT_EQ(batch.items, days(0, 3));
   EXPECT_FALSE(batch.reachedEnd);

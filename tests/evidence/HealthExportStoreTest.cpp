@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 #include <zip.h>
 
-#include <fstream>
-
 #include "KoviKit/evidence/HealthExportStore.h"
 #include "KoviKit/evidence/HealthExportXmlParser.h"
+#include "KoviKit/foundation/Json.h"
 #include "tests/evidence/WalkingTestSupport.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -13,23 +12,7 @@ namespace {
 
 using testing::at;
 
-constexpr std::string_view kExportXml = R"(<?xml version="1.0" encoding="UTF-8"?>
-<!DOCTYPE HealthData [
-<!ELEMENT HealthData (ExportDate,Me,(Record|Workout)*)>
-<!ATTLIST HealthData locale CDATA #REQUIRED>
-]>
-<HealthData locale="tr_TR">
- <ExportDate value="2026-03-03 08:00:00 +0300"/>
- <Me HKCharacteristicTypeIdentifierBiologicalSex="HKBiologicalSexFemale"/>
- <Record type="HKQuantityTypeIdentifierHeartRate" sourceName="Apple Watch" unit="count/min" startDate="2026-03-02 09:41:07 +0300" endDate="2026-03-02 09:41:07 +0300" value="88"/>
- <Record type="HKQuantityTypeIdentifierStepCount" sourceName="Ayşe’s Apple Watch" unit="count" startDate="2026-03-02 09:41:07 +0300" endDate="2026-03-02 09:51:07 +0300" value="1000">
-  <MetadataEntry key="HKWasUserEntered" value="0"/>
- </Record>
- <Record sourceName="Ayşe’s iPhone" type="HKQuantityTypeIdentifierStepCount" startDate="2026-03-01 23:58:00 -0100" endDate="2026-03-02 00:08:00 -0100" value="12.5"/>
- <Record type="HKQuantityTypeIdentifierStepCount" sourceName="Ayşe’s iPhone" startDate="2026-01-01 10:00:00 +0300" endDate="2026-01-01 10:05:00 +0300" value="300"/>
- <Workout workoutActivityType="HKWorkoutActivityTypeWalking"><WorkoutEvent type="HKWorkoutEventTypePause"/></Workout>
-</HealthData>
-)";
+const std::string kExportXml = testing::evidenceData("export.xml");
 
 // The two step samples of kExportXml inside March 2026.
 const std::vector<HealthStepSample> kMarchSamples{
@@ -92,63 +75,24 @@ TEST(HealthExportStoreTest, ReadsTheJsonSampleFormat) {
   EXPECT_EQ(*samples, (std::vector<HealthStepSample>{{1772433667000, 1772434267000, 412, "Apple Watch"}}));
 }
 
-struct BrokenExport {
-  const char* name;
-  std::string contents;
-  bool zipped;
-  std::string reason;
-};
-
-class HealthExportFailureTest : public ::testing::TestWithParam<BrokenExport> {};
-
-TEST_P(HealthExportFailureTest, SaysWhichFileAndWhy) {
-  const auto& param = GetParam();
-  const testing::TemporaryDirectory directory;
-  const auto path = param.zipped ? writeZip(directory.path() / "export.zip", {{"export.xml", param.contents}})
-                                 : directory.write("export.xml", param.contents);
-  HealthExportStore store(path);
-  const auto samples = store.stepSamples(kMarchFrom, kMarchTo);
-  ASSERT_FALSE(samples.has_value());
-  EXPECT_TRUE(samples.error().starts_with(path.string() + ": ")) << samples.error();
-  EXPECT_NE(samples.error().find(param.reason), std::string::npos) << samples.error();
+// broken-exports.json: rows of a name, the export's text, whether it is zipped, and what the error says; the
+// sample export cut short, plain and zipped, joins them.
+TEST(HealthExportStoreTest, SaysWhichFileAndWhyAnExportCannotBeRead) {
+  auto rows = nlohmann::json::parse(testing::evidenceData("broken-exports.json"));
+  rows.push_back({"truncatedXml", kExportXml.substr(0, 700), false, "export.xml line"});
+  rows.push_back({"truncatedInZip", kExportXml.substr(0, kExportXml.size() - 8), true, "unclosed token"});
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row[0].get<std::string>());
+    const testing::TemporaryDirectory directory;
+    const auto contents = row[1].get<std::string>();
+    const auto path = row[2] ? writeZip(directory.path() / "export.zip", {{"export.xml", contents}})
+                             : directory.write("export.xml", contents);
+    const auto samples = HealthExportStore(path).stepSamples(kMarchFrom, kMarchTo);
+    ASSERT_FALSE(samples.has_value());
+    EXPECT_TRUE(samples.error().starts_with(path.string() + ": ")) << samples.error();
+    EXPECT_NE(samples.error().find(row[3].get<std::string>()), std::string::npos) << samples.error();
+  }
 }
-
-std::string deepNesting(int depth) {
-  std::string xml = "<HealthData>";
-  for (int i = 0; i < depth; ++i) xml += "<a>";
-  return xml;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Exports, HealthExportFailureTest,
-    ::testing::Values(
-        BrokenExport{"truncatedXml", std::string(kExportXml.substr(0, 700)), false, "export.xml line"},
-        BrokenExport{"truncatedInZip", std::string(kExportXml.substr(0, kExportXml.size() - 8)), true,
-                     "unclosed token"},
-        BrokenExport{"notAnExport", "<plist version=\"1.0\"><dict/></plist>", false, "not a Health export"},
-        BrokenExport{"empty", "", false, "export.xml line 1"},
-        BrokenExport{"badDate",
-                     "<HealthData>\n<Record type=\"HKQuantityTypeIdentifierStepCount\" startDate=\"2026-02-30 "
-                     "10:00:00 +0300\" endDate=\"2026-03-02 10:00:00 +0300\" value=\"1\"/></HealthData>",
-                     false, "line 2: startDate \"2026-02-30 10:00:00 +0300\" is not a date"},
-        BrokenExport{"badValue",
-                     "<HealthData><Record type=\"HKQuantityTypeIdentifierStepCount\" startDate=\"2026-03-02 10:00:00 "
-                     "+0300\" endDate=\"2026-03-02 10:00:00 +0300\" value=\"12 steps\"/></HealthData>",
-                     false, "value \"12 steps\" is not a step count"},
-        BrokenExport{"endsBeforeStart",
-                     "<HealthData><Record type=\"HKQuantityTypeIdentifierStepCount\" startDate=\"2026-03-02 10:00:00 "
-                     "+0300\" endDate=\"2026-03-02 09:00:00 +0300\" value=\"1\"/></HealthData>",
-                     false, "ends before it starts"},
-        BrokenExport{"deepNesting", deepNesting(100), false, "nested deeper than 32"},
-        BrokenExport{"jsonDuplicateKey", R"([{"start": 1, "start": 2, "end": 3, "value": 1, "source": "x"}])", false,
-                     "[0].start: duplicate key"},
-        BrokenExport{"jsonEndBeforeStart", R"([{"start": 5, "end": 3, "value": 1, "source": "x"}])", false,
-                     "[0]: end before start"},
-        BrokenExport{"jsonFarInstant", R"([{"start": 0, "end": 9223372036854775807, "value": 1, "source": "x"}])",
-                     false, "[0]: instant outside"},
-        BrokenExport{"jsonUnknownKey", R"([{"start": 0, "end": 3, "value": 1, "source": "x", "unit": "count"}])",
-                     false, "[0].unit: unknown key"}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 TEST(HealthExportStoreTest, AZipWithoutTheXmlOrACutArchiveIsNotRead) {
   const testing::TemporaryDirectory directory;
@@ -158,8 +102,7 @@ TEST(HealthExportStoreTest, AZipWithoutTheXmlOrACutArchiveIsNotRead) {
   EXPECT_NE(samples.error().find("the archive holds no export.xml"), std::string::npos);
 
   const auto whole = writeZip(directory.path() / "b.zip", {{"apple_health_export/export.xml", std::string(kExportXml)}});
-  std::ifstream input(whole, std::ios::binary);
-  const std::string bytes((std::istreambuf_iterator<char>(input)), std::istreambuf_iterator<char>());
+  const std::string bytes = readFileLimited(whole, 1 << 20).value_or("");
   samples = HealthExportStore(directory.write("cut.zip", bytes.substr(0, bytes.size() / 2)))
                 .stepSamples(kMarchFrom, kMarchTo);
   ASSERT_FALSE(samples.has_value());
@@ -182,19 +125,13 @@ TEST(HealthExportXmlParserTest, ReadsSamplesAcrossAnyChunking) {
   }
 }
 
+// export-dates.json: rows of a date as Health exports write it and the instant it names, or null when refused.
 TEST(HealthExportXmlParserTest, ParsesTheExportDateForm) {
-  const std::vector<std::pair<std::string_view, std::optional<UnixMillis>>> cases{
-      {"2026-03-02 09:41:07 +0300", at("2026-03-02T06:41:07Z")},
-      {"2026-03-02 09:41:07 -0130", at("2026-03-02T11:11:07Z")},
-      {"2024-02-29 00:00:00 +0000", at("2024-02-29T00:00:00Z")},
-      {"2026-02-29 00:00:00 +0000", std::nullopt},
-      {"2026-03-02 24:00:00 +0300", std::nullopt},
-      {"2026-03-02T09:41:07 +0300", std::nullopt},
-      {"2026-03-02 09:41:07 +03:00", std::nullopt},
-      {"2026-3-02 09:41:07 +0300", std::nullopt},
-      {"0000-01-01 00:00:00 +0000", std::nullopt},
-  };
-  for (const auto& [text, expected] : cases) EXPECT_EQ(parseHealthExportDate(text), expected) << text;
+  for (const auto& row : nlohmann::json::parse(testing::evidenceData("export-dates.json"))) {
+    EXPECT_EQ(parseHealthExportDate(row[0].get<std::string>()),
+              row[1].is_null() ? std::nullopt : std::optional(at(row[1].get<std::string>())))
+        << row[0];
+  }
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "KoviKit/evidence/HealthStepStatistics.h"
 #include "KoviKit/evidence/WalkingDayWindowPlanner.h"
 #include "KoviKit/evidence/WalkingEvidenceBuckets.h"
+#include "KoviKit/foundation/Json.h"
 #include "tests/evidence/WalkingTestSupport.h"
 
 namespace kovi {
@@ -33,44 +34,24 @@ Cells cellsOf(const HealthEvidenceDayRead& read, UnixMillis dayStart) {
   return cells;
 }
 
+// step-buckets.json: rows of a name, samples as [minutes after day 0's midnight, length in minutes, steps,
+// source (else the watch)], the listed sources, and the (bucket, steps) of day 0 and of day 1.
 TEST(HealthStepStatisticsTest, SumsEachBucketOnce) {
-  struct Case {
-    const char* name;
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("step-buckets.json"))) {
+    SCOPED_TRACE(example[0].get<std::string>());
     std::vector<HealthStepSample> samples;
-    std::vector<std::string> priority;
-    Cells day0;
-    Cells day1;
-  };
-  const std::vector<Case> cases{
-      {"insideOneBucket", {sample(kDay0 + 2 * kMinute, 10, 300)}, {}, {{0, 300}}, {}},
-      {"spansFourBuckets", {sample(kDay0 + 10 * kMinute, 40, 400)}, {}, {{0, 50}, {1, 150}, {2, 150}, {3, 50}}, {}},
-      {"straddlesMidnight", {sample(kDay1 - 5 * kMinute, 20, 200)}, {}, {{95, 50}}, {{0, 150}}},
-      {"watchBeforePhoneByDefault",
-       {sample(kDay0, 10, 80, "Ayşe’s iPhone"), sample(kDay0, 10, 100, "Ayşe’s Apple Watch")}, {}, {{0, 100}}, {}},
-      {"listedSourceFirst", {sample(kDay0, 10, 80, "Ayşe’s iPhone"), sample(kDay0, 10, 100, "Ayşe’s Apple Watch")},
-       {"Ayşe’s iPhone"}, {{0, 80}}, {}},
-      {"lowerSourceCountsOnlyUncoveredTime", {sample(kDay0, 5, 50, "Watch"), sample(kDay0, 10, 100, "iPhone")}, {},
-       {{0, 100}}, {}},
-      {"uncoveredTimeAcrossAnEdge", {sample(kDay0 + 10 * kMinute, 5, 60, "Watch"), sample(kDay0, 30, 300, "iPhone")},
-       {}, {{0, 160}, {1, 150}}, {}},
-      {"sameSourceOverlapCountsOnce", {sample(kDay0, 10, 100), sample(kDay0 + 5 * kMinute, 10, 100)}, {}, {{0, 150}},
-       {}},
-      {"instantSampleInItsBucket", {sample(kDay0 + 16 * kMinute, 0, 7)}, {}, {{1, 7}}, {}},
-      {"zeroStepsIsReadableData", {sample(kDay1 + kMinute, 5, 0)}, {}, {}, {{0, 0}}},
-      {"outsideEveryWindow", {sample(kDay0 - 60 * kMinute, 30, 500)}, {}, {}, {}},
-      {"negativeOrBackwardSamplesIgnored", {sample(kDay0, 10, -5), HealthStepSample{kDay0 + kMinute, kDay0, 9, "W"}},
-       {}, {}, {}},
-  };
-  for (const Case& example : cases) {
-    SCOPED_TRACE(example.name);
-    const auto days = bucketStepSamples(example.samples, {kTwoDays, kDay1 + 48 * testing::kHour, std::nullopt},
-                                        HealthSourcePriority(example.priority));
+    for (const auto& s : example[1]) {
+      const std::string source = s.size() > 3 ? s[3].get<std::string>() : "Apple Watch";
+      samples.push_back(sample(kDay0 + s[0].get<UnixMillis>() * kMinute, s[1].get<UnixMillis>(), s[2], source));
+    }
+    const auto days = bucketStepSamples(samples, {kTwoDays, kDay1 + 48 * testing::kHour, std::nullopt},
+                                        HealthSourcePriority(example[2].get<std::vector<std::string>>()));
     ASSERT_EQ(days.size(), 2u);
-    EXPECT_EQ(cellsOf(days[0], kDay0), example.day0);
-    EXPECT_EQ(cellsOf(days[1], kDay1), example.day1);
     for (std::size_t i = 0; i < 2; ++i) {
-      const bool empty = (i == 0 ? example.day0 : example.day1).empty();
-      EXPECT_EQ(days[i].outcome, empty ? HealthEvidenceReadOutcome::noReadableData : HealthEvidenceReadOutcome::measured);
+      const auto expected = example[3 + i].get<Cells>();
+      EXPECT_EQ(cellsOf(days[i], i == 0 ? kDay0 : kDay1), expected);
+      EXPECT_EQ(days[i].outcome, expected.empty() ? HealthEvidenceReadOutcome::noReadableData
+                                                  : HealthEvidenceReadOutcome::measured);
     }
   }
 }
@@ -117,21 +98,8 @@ TEST(HealthStepStatisticsTest, AWindowThatIsNoDayFailsToRead) {
   EXPECT_EQ(days.at(1).outcome, HealthEvidenceReadOutcome::readFailed);
 }
 
-// A store that hands out fixed samples or a fixed failure, and records the
-// interval it was asked for.
-class FixedStore final : public HealthEvidenceStore {
- public:
-  std::expected<std::vector<HealthStepSample>, std::string> answer;
-  std::vector<std::pair<UnixMillis, UnixMillis>> asked;
-  HealthEvidenceAuthorization authorization() const override { return HealthEvidenceAuthorization::unknown; }
-  std::expected<std::vector<HealthStepSample>, std::string> stepSamples(UnixMillis from, UnixMillis to) override {
-    asked.emplace_back(from, to);
-    return answer;
-  }
-};
-
 TEST(HealthStepStatisticsTest, ReadingAsksTheStoreOnceForAllDaysOrNotAtAllWithoutPermission) {
-  FixedStore store;
+  testing::FixedStore store;
   store.answer = std::vector{sample(kDay1 + kMinute, 5, 42)};
   auto reading = readHealthEvidence(store, {kTwoDays, kDay1 + 48 * testing::kHour, std::nullopt}, {});
   EXPECT_EQ(store.asked, (std::vector{std::pair{kDay0, kDay1 + 24 * testing::kHour}}));

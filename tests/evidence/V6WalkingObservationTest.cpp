@@ -81,17 +81,7 @@ TEST(V6WalkingObservation, StepsOnTheWireAreWholeNonNegativeDecimals) {
 }
 
 TEST(V6WalkingContext, DecodesTheServersRecordAndIgnoresNewKeys) {
-  const auto context = decodeJsonText<V6WalkingContext>(R"({
-    "reference": "KOVI-7Q2M-XRP4-0001", "financialActorId": "actor-9", "rulesHash": "ab12",
-    "rules": {"mode":"goal","goalMode":"total","durationDays":2,"stepTarget":20000,"exitPenaltyBps":0,
-              "payoutRule":"equalSuccessful","rankPayoutsBps":[],"verificationWindowHours":24},
-    "status": 2, "sourcePolicy": "walking-health-buckets-v1",
-    "windows": [{"day":0,"start":1000,"end":2000},{"day":1,"start":2000,"end":3000}],
-    "writerEpoch": 4, "evidenceClosesAt": 90000, "serverNow": 2500, "acceptedTotalSteps": 1234,
-    "revisions": [{"day":0,"revision":2,"payloadHash":"ff","acceptedAt":1500,"summary":{"mood":"ok"}},
-                  {"day":1,"revision":1,"payloadHash":"ee","summary":null}],
-    "addedLater": true
-  })");
+  const auto context = decodeJsonText<V6WalkingContext>(testing::evidenceData("walking-context.json"));
   ASSERT_TRUE(context.has_value()) << context.error().message();
   EXPECT_EQ(context->windows.size(), 2u);
   ASSERT_NE(context->revisionOf(0), nullptr);

@@ -75,10 +75,9 @@ TEST_F(V6WalkingSyncPlannerTest, SubmitsNewDaysWithTheServersRevisionAndSkipsUnc
     }
     const auto* submit = std::get_if<Planner::Submit>(&(*plans)[0].outcome);
     ASSERT_NE(submit, nullptr);
-    EXPECT_EQ(submit->entry.day, 0);
-    EXPECT_EQ(submit->entry.expectedRevision, *example.expectedRevision);
-    EXPECT_EQ(submit->payloadHash, hash);
-    EXPECT_EQ(submit->payloadHash, sha256Hex(submit->entry.observation.payloadText()));
+    EXPECT_EQ(std::tuple(submit->entry.day, submit->entry.expectedRevision, submit->payloadHash,
+                         sha256Hex(submit->entry.observation.payloadText())),
+              std::tuple(0, *example.expectedRevision, hash, hash));
   }
   // Different steps make a different payload.
   EXPECT_NE(payloadHashOf({{0, 120}, {1, 81}}), hash);

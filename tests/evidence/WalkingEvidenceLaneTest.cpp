@@ -3,10 +3,14 @@
 #include <string>
 #include <vector>
 
+#include "KoviKit/evidence/V6EvidenceSubmissionError.h"
 #include "KoviKit/evidence/WalkingDayWindowPlanner.h"
+#include "KoviKit/evidence/WalkingEvidenceBackoffStore.h"
 #include "KoviKit/evidence/WalkingEvidenceLane.h"
 #include "KoviKit/evidence/WalkingProgressSummary.h"
+#include "KoviKit/foundation/Json.h"
 #include "WalkingTestSupport.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace kovi {
 namespace {
@@ -15,26 +19,17 @@ using testing::at;
 using testing::kHour;
 using testing::kMinute;
 using Lane = WalkingEvidenceLane;
-using Visibility = WalkingEvidenceUploadVisibility;
 
+// lanes.json: rows of a name, the hour and extra milliseconds of `now`, and the lane with the upload's visibility
+// without and with missing days, for a kovi running from hour 1000 to 1072 and verified until hour 1096.
 TEST(WalkingEvidenceSchedule, PlacesTheKoviInItsLaneAndShowsTheUpload) {
   const WalkingEvidenceSchedule schedule{1000 * kHour, 1072 * kHour, 1096 * kHour};
-  struct Case { std::string name; UnixMillis now; Lane lane; Visibility withoutMissing; Visibility withMissing; };
-  const std::vector<Case> cases{
-      {"beforeTheStart", 999 * kHour, Lane::pending, Visibility::hidden, Visibility::hidden},
-      {"firstDay", 1000 * kHour, Lane::open, Visibility::standard, Visibility::standard},
-      {"lastDayMorning", 1066 * kHour - 1, Lane::open, Visibility::standard, Visibility::standard},
-      {"lastSixHours", 1066 * kHour, Lane::closingSoon, Visibility::standard, Visibility::urgent},
-      {"lastDayEnded", 1072 * kHour, Lane::finalizing, Visibility::hidden, Visibility::urgent},
-      {"verificationEnding", 1096 * kHour - 1, Lane::finalizing, Visibility::hidden, Visibility::urgent},
-      {"closed", 1096 * kHour, Lane::final, Visibility::closed, Visibility::closed},
-  };
-  for (const Case& example : cases) {
-    SCOPED_TRACE(example.name);
-    const Lane lane = schedule.laneAt(example.now);
-    EXPECT_EQ(lane, example.lane) << enumName(lane);
-    EXPECT_EQ(WalkingEvidenceSchedule::visibility(lane, false), example.withoutMissing);
-    EXPECT_EQ(WalkingEvidenceSchedule::visibility(lane, true), example.withMissing);
+  for (const auto& row : nlohmann::json::parse(testing::evidenceData("lanes.json"))) {
+    SCOPED_TRACE(row[0].get<std::string>());
+    const Lane lane = schedule.laneAt(row[1].get<UnixMillis>() * kHour + row[2].get<UnixMillis>());
+    EXPECT_EQ(nlohmann::json::array({enumName(lane), enumName(WalkingEvidenceSchedule::visibility(lane, false)),
+                                     enumName(WalkingEvidenceSchedule::visibility(lane, true))}),
+              nlohmann::json::array({row[3], row[4], row[5]}));
   }
 }
 
@@ -56,12 +51,34 @@ TEST(WalkingEvidenceBackoff, DoublesTransientWaitsAndWaitsFixedTimesForTheRest) 
   for (std::size_t index = 0; index < steps.size(); ++index) {
     SCOPED_TRACE(index);
     backoff = backoff.afterFailure(steps[index].failure, now);
-    EXPECT_EQ(backoff.consecutiveFailures, steps[index].failures);
-    EXPECT_EQ(backoff.nextAttemptAt, now + steps[index].wait);
+    EXPECT_EQ(backoff, (WalkingEvidenceBackoff{steps[index].failures, now + steps[index].wait}));
     EXPECT_FALSE(backoff.allowsAttempt(now + steps[index].wait - 1));
     EXPECT_TRUE(backoff.allowsAttempt(now + steps[index].wait));
   }
   EXPECT_EQ(WalkingEvidenceBackoff::afterSuccess(), WalkingEvidenceBackoff{});
+}
+
+TEST(WalkingEvidenceBackoffStoreTest, OnlyTransientFailuresAreStoredAndTheyCountAcrossRuns) {
+  const testing::TemporaryDirectory directory;
+  const UnixMillis now = at("2026-05-04T08:00:00Z");
+  const struct { WalkingEvidenceFailure failure; WalkingEvidenceBackoff stored; } steps[] = {
+      {WalkingEvidenceFailure::rejected, {}},
+      {WalkingEvidenceFailure::transient, {1, now + kMinute}},
+      {WalkingEvidenceFailure::noData, {1, now + kMinute}},
+      {WalkingEvidenceFailure::attestation, {1, now + kMinute}},
+      {WalkingEvidenceFailure::transient, {2, now + 2 * kMinute}},
+  };
+  for (const auto& step : steps) {
+    SCOPED_TRACE(enumName(step.failure));
+    // A store of its own each time: what counts is on disk.
+    WalkingEvidenceBackoffStore store(directory.path());
+    EXPECT_EQ(store.recordFailure("actor-1", step.failure, now), step.stored);
+    EXPECT_EQ(WalkingEvidenceBackoffStore(directory.path()).load("actor-1"), step.stored);
+  }
+  WalkingEvidenceBackoffStore store(directory.path());
+  EXPECT_EQ(store.load("actor-2"), WalkingEvidenceBackoff{}) << "owners are kept apart";
+  ASSERT_TRUE(store.clear("actor-1").has_value());
+  EXPECT_EQ(store.load("actor-1"), WalkingEvidenceBackoff{});
 }
 
 class WalkingProgressSummaryTest : public ::testing::Test {
@@ -88,13 +105,8 @@ class WalkingProgressSummaryTest : public ::testing::Test {
 
 TEST_F(WalkingProgressSummaryTest, ShowsTodaysStepsForADailyGoalAndTheSumOtherwise) {
   struct Case {
-    std::string name;
-    bool daily;
-    std::vector<std::pair<int, double>> totals;
-    UnixMillis now;
-    std::optional<double> steps;
-    std::optional<UnixMillis> dayEndsAt;
-    bool waits;
+    std::string name; bool daily; std::vector<std::pair<int, double>> totals; UnixMillis now;
+    std::optional<double> steps; std::optional<UnixMillis> dayEndsAt; bool waits;
   };
   const std::vector<Case> cases{
       {"beforeTheFirstMidnight", true, {}, at("2026-05-04T23:55:00+03:00"), {}, {}, true},
@@ -112,12 +124,9 @@ TEST_F(WalkingProgressSummaryTest, ShowsTodaysStepsForADailyGoalAndTheSumOtherwi
     if (!example.daily) rules.goalMode = WalkingKoviRules::GoalMode::total;
     const auto summary =
         WalkingProgressSummary::summarize(rules, start_, windows_, evaluationWith(example.totals), example.now);
-    EXPECT_EQ(summary.steps, example.steps);
-    EXPECT_EQ(summary.target, 8000);
-    EXPECT_EQ(summary.isDaily, example.daily);
-    EXPECT_EQ(summary.dayEndsAt, example.dayEndsAt);
-    EXPECT_EQ(summary.waitsForFirstDay, example.waits);
-    EXPECT_FALSE(summary.needsDayRefresh);
+    EXPECT_EQ(std::tuple(summary.steps, summary.target, summary.isDaily, summary.dayEndsAt, summary.waitsForFirstDay,
+                         summary.needsDayRefresh),
+              std::tuple(example.steps, 8000, example.daily, example.dayEndsAt, example.waits, false));
   }
 }
 

@@ -7,17 +7,13 @@
 #include "KoviKit/evidence/V6WalkingContext.h"
 #include "KoviKit/evidence/WalkingKoviRules.h"
 #include "KoviKit/foundation/Json.h"
+#include "tests/evidence/WalkingTestSupport.h"
 
 namespace kovi {
 namespace {
 
-// Keys in a shuffled order and with whitespace: the canonical form must not care.
-constexpr std::string_view kRaceRules = R"({
-  "firstDay": "midnight", "timezone": "Europe/Istanbul", "dayBoundary": "calendar",
-  "verificationWindowHours": 24, "rankPayoutsBps": [6000, 3000, 1000], "payoutRule": "ranked",
-  "exitPenaltyBps": 2500, "failurePolicy": "closestWins", "minimumEligibility": 50000,
-  "durationDays": 7, "raceMode": "highestTotal", "mode": "race"
-})";
+// race-rules.json has its keys shuffled and spaced: the canonical form must not care.
+const std::string kRaceRules = testing::evidenceData("race-rules.json");
 
 constexpr std::string_view kRaceCanonical =
     R"({"mode":"race","raceMode":"highestTotal","durationDays":7,"minimumEligibility":50000,)"
@@ -55,37 +51,16 @@ TEST(WalkingRulesCanonical, WritesDeclaredOrderWithoutWhitespaceAndHashesIt) {
   }
 }
 
-// Each case merges a patch into the daily rules (null drops a key); the whole record is refused, naming the key.
+// refused-rules.json: rows of a patch merged into the daily rules (null drops a key) and the error naming the key;
+// the whole record is refused.
 TEST(WalkingRulesRefused, RefusesTheWholeRecordAndNamesTheKey) {
-  struct Case { std::string_view patch; std::string_view error; };
-  for (const Case& example : {
-           Case{R"({"mode":"walk"})", R"(mode: unknown value "walk")"},
-           Case{R"({"bonus":1})", "bonus: unknown key"},
-           Case{R"({"durationDays":null})", "durationDays: missing key"},
-           Case{R"({"dayWindows":[{"start":1,"end":2,"day":0}]})", "dayWindows[0].day: unknown key"},
-           Case{R"({"rankPayoutsBps":["6000"]})", "rankPayoutsBps[0]: expected an integer, found a string"},
-           Case{R"({"durationDays":3.0})", "durationDays: expected an integer, found a number"},
-           Case{R"({"stepTarget":8e3})", "stepTarget: expected an integer, found a number"},
-           Case{R"({"stepTarget":-1})", "stepTarget: must not be negative"},
-           Case{R"({"durationDays":0})", "durationDays: must be 1 to 366"},
-           Case{R"({"exitPenaltyBps":10001})", "exitPenaltyBps: must be 0 to 10000"},
-           Case{R"({"goalMode":null})", "goalMode: required in goal mode"},
-           Case{R"({"raceMode":"highestTotal"})", "raceMode: only for race mode"},
-           Case{R"({"mode":"race","goalMode":null})", "raceMode: required in race mode"},
-           Case{R"({"mode":"race","raceMode":"highestTotal"})", "goalMode: only for goal mode"},
-           Case{R"({"requiredSuccessfulDays":4})", "requiredSuccessfulDays: must be 1 to durationDays (3)"},
-           Case{R"({"requiredSuccessfulDays":0})", "requiredSuccessfulDays: must be 1 to durationDays (3)"},
-           Case{R"({"payoutRule":"ranked"})", "rankPayoutsBps: a ranked payout needs 1 to 100 shares totalling 10000"},
-           Case{R"({"payoutRule":"ranked","rankPayoutsBps":[6000,3999]})",
-                "rankPayoutsBps: a ranked payout needs 1 to 100 shares totalling 10000"},
-           Case{R"({"rankPayoutsBps":[0]})", "rankPayoutsBps: each share must be 1 to 10000"},
-       }) {
-    SCOPED_TRACE(example.patch);
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("refused-rules.json"))) {
+    SCOPED_TRACE(example[0].dump());
     nlohmann::json document = nlohmann::json::parse(kDailyRules);
-    document.merge_patch(nlohmann::json::parse(example.patch));
+    document.merge_patch(example[0]);
     const auto rules = JsonView(document).as<WalkingKoviRules>();
     ASSERT_FALSE(rules.has_value()) << document.dump();
-    EXPECT_EQ(rules.error().message(), example.error);
+    EXPECT_EQ(rules.error().message(), example[1]);
   }
   // With a repeated key the hash would depend on which copy a reader keeps.
   const auto repeated = decodeJsonText<WalkingKoviRules>(R"({"stepTarget":1,)" + std::string(kDailyRules.substr(1)));

@@ -2,13 +2,24 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <string>
 #include <string_view>
 
 #include "KoviKit/evidence/HealthEvidenceDayRead.h"
+#include "KoviKit/evidence/HealthStepSample.h"
 #include "KoviKit/evidence/WalkingKoviRules.h"
+#include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/foundation/Time.h"
 
 namespace kovi::testing {
+
+// A file of tests/evidence/data, whole; fails the test when it is missing.
+inline std::string evidenceData(std::string_view name) {
+  const auto text = readFileLimited(std::filesystem::path(KOVI_EVIDENCE_TEST_DATA) / name, 1 << 20);
+  EXPECT_TRUE(text.has_value()) << "missing test data " << name;
+  return text.value_or("");
+}
 
 // An ISO 8601 instant with offset as Unix milliseconds; fails the test on a typo.
 inline UnixMillis at(std::string_view iso) {
@@ -36,5 +47,18 @@ inline WalkingKoviRules dailyGoal(int days, std::int64_t target) {
   rules.verificationWindowHours = 24;
   return rules;
 }
+
+// A store that hands out fixed samples or a fixed failure, and records the
+// interval it was asked for.
+class FixedStore final : public HealthEvidenceStore {
+ public:
+  std::expected<std::vector<HealthStepSample>, std::string> answer;
+  std::vector<std::pair<UnixMillis, UnixMillis>> asked;
+  HealthEvidenceAuthorization authorization() const override { return HealthEvidenceAuthorization::unknown; }
+  std::expected<std::vector<HealthStepSample>, std::string> stepSamples(UnixMillis from, UnixMillis to) override {
+    asked.emplace_back(from, to);
+    return answer;
+  }
+};
 
 }  // namespace kovi::testing

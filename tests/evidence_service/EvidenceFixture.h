@@ -1,11 +1,19 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
 
+#include "KoviKit/attest/AppAttestKeyStore.h"
+#include "KoviKit/attest/SoftwareDeviceKeyService.h"
 #include "KoviKit/evidence/HealthEvidenceDayRead.h"
+#include "KoviKit/evidence/V6DeviceKeyRegistrar.h"
+#include "KoviKit/evidence/V6RequestId.h"
+#include "KoviKit/evidence/V6WalkingEvidenceSubmitter.h"
 #include "KoviKit/evidence/WalkingKoviRules.h"
 #include "KoviKit/foundation/Time.h"
+#include "tests/support/TemporaryDirectory.h"
 
 namespace kovi::testing {
 
@@ -43,6 +51,38 @@ struct EvidenceFixture {
 
   // After the last day: every bucket is closed.
   static constexpr UnixMillis kCutoff = kStart + 3 * kDay;
+};
+
+inline constexpr const char* kApp = "TEAM.app.kovi";
+inline constexpr const char* kOwner = "actor-1";
+
+// One device: its keys, key records and pending store in a directory of its own.
+struct Device {
+  explicit Device(const NativeServiceOrigin& origin)
+      : keys(directory.path(), kApp), pending(directory.path()), api(origin, "token-1") {}
+
+  AppAttestDeviceKey registerKey() {
+    V6DeviceKeyRegistrar registrar(api, keys, keyStore, newV6RequestId, kApp, AppAttestEnvironment::development);
+    auto key = registrar.registerKey(kOwner);
+    EXPECT_TRUE(key.has_value()) << (key ? "" : key.error().code + ": " + key.error().detail);
+    return key.value_or(AppAttestDeviceKey{});
+  }
+
+  // Submits `days`, each read in full with `steps` a bucket, a minute after the kovi's last day.
+  std::expected<V6WalkingEvidenceSubmitter::Outcome, V6EvidenceSubmissionError> submit(
+      const AppAttestDeviceKey& key, std::vector<int> days, double steps = 300) {
+    V6WalkingEvidenceSubmitter submitter(
+        {api, keys, pending, [] { return EvidenceFixture::kCutoff + 60'000; }, newV6RequestId}, kApp,
+        AppAttestEnvironment::development);
+    return submitter.submit(key, kOwner, EvidenceFixture::kReference, EvidenceFixture::reads(std::move(days), steps),
+                            EvidenceFixture::kCutoff);
+  }
+
+  TemporaryDirectory directory;
+  SoftwareDeviceKeyService keys;
+  AppAttestMemoryKeyStore keyStore;
+  V6EvidencePendingStore pending;
+  V6WalkingEvidenceAPI api;
 };
 
 }  // namespace kovi::testing

@@ -5,7 +5,6 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -30,21 +29,27 @@ class LoopbackEvidenceService {
     std::int64_t revision = 0;
     std::string payloadHash;
   };
+  // What the service holds, for assertions.
+  struct State {
+    std::int64_t writerEpoch = 1;
+    std::optional<std::string> writerDeviceKeyId;
+    std::map<int, Day> days;
+    // Every requestId a submission arrived with, repeats included, in order.
+    std::vector<std::string> submittedRequestIds;
+    int acceptedSubmissions = 0;
+
+    Day day(int index) const { return days.contains(index) ? days.at(index) : Day{}; }
+  };
 
   // One walking kovi with three anchored days starting at `start`.
   LoopbackEvidenceService(std::string reference, WalkingKoviRules rules, UnixMillis start);
 
   std::string origin() const { return server_.origin(); }
+  State state() const {
+    std::scoped_lock lock(mutex_);
+    return state_;
+  }
 
-  // State, for assertions.
-  std::int64_t writerEpoch() const;
-  std::optional<std::string> writerDeviceKeyId() const;
-  Day day(int index) const;
-  // Every requestId a submission arrived with, repeats included, in order.
-  std::vector<std::string> submittedRequestIds() const;
-  int acceptedSubmissions() const;
-
-  // Knobs.
   // Accepts the next submission and then answers 503 instead of the receipt.
   void loseNextAnswer() { loseNextAnswer_ = true; }
   void bumpRevisionBeforeNextSubmission(int day) { bumpDay_ = day; }
@@ -52,7 +57,7 @@ class LoopbackEvidenceService {
   // The next submission waits at the door until `releaseHeld` and is then
   // dropped unanswered, as if the device had died before it was sent.
   void holdNextSubmission() { holdNext_ = true; }
-  bool waitUntilHeld(std::chrono::milliseconds limit);
+  bool waitUntilHeld(std::chrono::milliseconds limit) { return arrivedGate_.waitOpen(limit); }
   void releaseHeld() { heldGate_.open(); }
   // The kovi list never ends: its cursors run "a", "b", "a", … after the first page.
   void loopKoviCursors() { loopCursors_ = true; }
@@ -70,28 +75,24 @@ class LoopbackEvidenceService {
     std::int64_t expiresAt = 0;
     bool used = false;
   };
-  struct Stored {
-    std::string bodyHash;
-    std::string answer;
-  };
   struct Answer {
     int status = 200;
     std::string body;
   };
+  using Json = nlohmann::ordered_json;
 
   Answer handle(const std::string& body);
-  Answer createChallenge(const nlohmann::ordered_json& request);
-  Answer registerKey(const nlohmann::ordered_json& request);
-  Answer context(const nlohmann::ordered_json& request);
-  Answer kovis(const nlohmann::ordered_json& request);
-  Answer submit(const nlohmann::ordered_json& request, const std::string& body);
-  Answer transfer(const nlohmann::ordered_json& request);
-  // The challenge named, checked for purpose, expiry and reuse; marks it used.
-  std::optional<std::string> consumeChallenge(const std::string& challengeId, const std::string& challenge,
-                                              const std::string& purpose);
+  Answer createChallenge(const Json& request);
+  Answer registerKey(const Json& request);
+  Answer context(const Json& request);
+  Answer kovis(const Json& request);
+  Answer submit(const Json& request, const std::string& body);
+  Answer transfer(const Json& request);
+  // The challenge named, checked for its text, purpose, expiry and reuse and
+  // marked used; the refusal otherwise.
+  std::optional<Answer> consumeChallenge(const Json& signedFields, const std::string& purpose);
   // Verifies an assertion by `keyId` over `clientData` and advances its counter.
-  std::optional<std::string> checkAssertion(const std::string& keyId, const std::string& clientData,
-                                            const nlohmann::ordered_json& assertion);
+  std::optional<Answer> checkAssertion(const std::string& keyId, const std::string& clientData, const Json& assertion);
 
   mutable std::mutex mutex_;
   std::string reference_;
@@ -99,12 +100,9 @@ class LoopbackEvidenceService {
   UnixMillis start_;
   std::map<std::string, Key> keys_;
   std::map<std::string, Challenge> challenges_;
-  std::map<std::string, Stored> receipts_;
-  std::map<int, Day> days_;
-  std::int64_t writerEpoch_ = 1;
-  std::optional<std::string> writer_;
-  std::vector<std::string> submittedRequestIds_;
-  int acceptedSubmissions_ = 0;
+  // Per requestId: the hash of the body it came with and the answer given.
+  std::map<std::string, std::pair<std::string, std::string>> receipts_;
+  State state_;
   int nextId_ = 1;
 
   std::atomic<bool> loseNextAnswer_ = false;

@@ -2,30 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include "KoviKit/attest/AppAttestKeyStore.h"
-#include "KoviKit/attest/SoftwareDeviceKeyService.h"
-#include "KoviKit/evidence/V6DeviceKeyRegistrar.h"
-#include "KoviKit/evidence/V6RequestId.h"
 #include "tests/evidence_service/EvidenceFixture.h"
 #include "tests/evidence_service/LoopbackEvidenceService.h"
-#include "tests/support/TemporaryDirectory.h"
 
 namespace kovi {
 namespace {
 
 using testing::EvidenceFixture;
+using testing::kApp;
+using testing::kOwner;
 using Uploader = V6LiveHealthUploader;
-
-constexpr const char* kApp = "TEAM.app.kovi";
-constexpr const char* kOwner = "actor-1";
 
 class V6LiveHealthUploaderTest : public ::testing::Test {
  protected:
-  V6LiveHealthUploaderTest() {
-    V6DeviceKeyRegistrar registrar(api, keys, keyStore, newV6RequestId, kApp, AppAttestEnvironment::development);
-    key = registrar.registerKey(kOwner).value();
-  }
-
   // Reads every requested day in full and remembers which windows were asked for.
   std::vector<HealthEvidenceDayRead> read(const std::vector<HealthEvidenceDayWindow>& windows) {
     std::vector<int> days;
@@ -35,24 +24,20 @@ class V6LiveHealthUploaderTest : public ::testing::Test {
   }
 
   Uploader uploader() {
-    return Uploader({api, submitter, [this](const auto& windows, UnixMillis) { return read(windows); },
+    return Uploader({device.api, submitter, [this](const auto& windows, UnixMillis) { return read(windows); },
                      [this] { return scope; }, [this] { return now; }, newV6RequestId});
   }
 
   testing::LoopbackEvidenceService service{EvidenceFixture::kReference, EvidenceFixture::rules(),
                                            EvidenceFixture::kStart};
-  testing::TemporaryDirectory directory;
-  SoftwareDeviceKeyService keys{directory.path(), kApp};
-  AppAttestMemoryKeyStore keyStore;
-  V6EvidencePendingStore pending{directory.path()};
-  V6WalkingEvidenceAPI api{NativeServiceOrigin::parse(service.origin()).value(), "token-1"};
+  testing::Device device{NativeServiceOrigin::parse(service.origin()).value()};
   UnixMillis now = EvidenceFixture::kCutoff + 60'000;
-  V6WalkingEvidenceSubmitter submitter{{api, keys, pending, [this] { return now; }, newV6RequestId}, kApp,
-                                       AppAttestEnvironment::development};
+  V6WalkingEvidenceSubmitter submitter{{device.api, device.keys, device.pending, [this] { return now; }, newV6RequestId},
+                                       kApp, AppAttestEnvironment::development};
   V6LiveHealthUploadScope scope{kOwner, 1, 1, 1};
   std::vector<std::vector<int>> readDays;
   double steps = 300;
-  AppAttestDeviceKey key;
+  AppAttestDeviceKey key = device.registerKey();
 };
 
 TEST_F(V6LiveHealthUploaderTest, PostsTheListedKoviOnceAndThrottlesItUntilTheNextBucket) {
@@ -64,7 +49,7 @@ TEST_F(V6LiveHealthUploaderTest, PostsTheListedKoviOnceAndThrottlesItUntilTheNex
   ASSERT_TRUE(first->posted[0].outcome.receipt.has_value());
   EXPECT_EQ(first->posted[0].outcome.receipt->accepted.size(), 3u);
   EXPECT_EQ(readDays, (std::vector<std::vector<int>>{{0, 1, 2}}));
-  EXPECT_EQ(service.acceptedSubmissions(), 1);
+  EXPECT_EQ(service.state().acceptedSubmissions, 1);
   EXPECT_EQ(live.state().postedAt.at(EvidenceFixture::kReference), now);
   EXPECT_TRUE(live.state().wanted.empty());
   EXPECT_FALSE(live.state().requestID.has_value()) << "no pass is under way after one ended";
@@ -125,18 +110,18 @@ TEST_F(V6LiveHealthUploaderTest, AScopeChangeDropsEverythingLearntUnderTheOldOne
 
   // The consent generation moves while the pass reads new data: the pass stops there.
   steps = 400;
-  Uploader interrupted({api, submitter,
+  Uploader interrupted({device.api, submitter,
                         [this](const auto& windows, UnixMillis) {
                           scope.consentGeneration += 1;
                           return read(windows);
                         },
                         [this] { return scope; }, [this] { return now; }, newV6RequestId});
-  const int accepted = service.acceptedSubmissions();
+  const int accepted = service.state().acceptedSubmissions;
   const auto pass = interrupted.runPass(key);
   ASSERT_TRUE(pass.has_value());
   EXPECT_TRUE(pass->scopeChanged);
   EXPECT_TRUE(pass->posted.empty());
-  EXPECT_EQ(service.acceptedSubmissions(), accepted) << "nothing read under the old scope is sent";
+  EXPECT_EQ(service.state().acceptedSubmissions, accepted) << "nothing read under the old scope is sent";
   Uploader::State fresh;
   fresh.scope = scope;
   EXPECT_EQ(interrupted.state(), fresh);

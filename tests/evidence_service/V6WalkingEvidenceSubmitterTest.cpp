@@ -2,49 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "KoviKit/attest/AppAttestKeyStore.h"
-#include "KoviKit/attest/SoftwareDeviceKeyService.h"
-#include "KoviKit/evidence/V6DeviceKeyRegistrar.h"
-#include "KoviKit/evidence/V6RequestId.h"
 #include "tests/evidence_service/EvidenceFixture.h"
 #include "tests/evidence_service/LoopbackEvidenceService.h"
-#include "tests/support/TemporaryDirectory.h"
 
 namespace kovi {
 namespace {
 
+using testing::Device;
 using testing::EvidenceFixture;
+using testing::kOwner;
 using Submitter = V6WalkingEvidenceSubmitter;
-
-constexpr const char* kApp = "TEAM.app.kovi";
-constexpr const char* kOwner = "actor-1";
-
-// One device: its keys, key records and pending store in a directory of its own.
-struct Device {
-  explicit Device(const NativeServiceOrigin& origin)
-      : keys(directory.path(), kApp), keyStore(), pending(directory.path()), api(origin, "token-1") {}
-
-  AppAttestDeviceKey registerKey() {
-    V6DeviceKeyRegistrar registrar(api, keys, keyStore, newV6RequestId, kApp, AppAttestEnvironment::development);
-    auto key = registrar.registerKey(kOwner);
-    EXPECT_TRUE(key.has_value()) << (key ? "" : key.error().code + ": " + key.error().detail);
-    return key.value_or(AppAttestDeviceKey{});
-  }
-
-  std::expected<Submitter::Outcome, V6EvidenceSubmissionError> submit(const AppAttestDeviceKey& key,
-                                                                       std::vector<int> days, double steps = 300) {
-    Submitter submitter({api, keys, pending, [] { return EvidenceFixture::kCutoff + 60'000; }, newV6RequestId}, kApp,
-                        AppAttestEnvironment::development);
-    return submitter.submit(key, kOwner, EvidenceFixture::kReference, EvidenceFixture::reads(std::move(days), steps),
-                            EvidenceFixture::kCutoff);
-  }
-
-  testing::TemporaryDirectory directory;
-  SoftwareDeviceKeyService keys;
-  AppAttestMemoryKeyStore keyStore;
-  V6EvidencePendingStore pending;
-  V6WalkingEvidenceAPI api;
-};
 
 class V6WalkingEvidenceSubmitterTest : public ::testing::Test {
  protected:
@@ -79,18 +46,18 @@ TEST_F(V6WalkingEvidenceSubmitterTest, SignedSubmissionIsVerifiedAndAcceptedOnce
   for (int day = 0; day < 3; ++day) {
     SCOPED_TRACE(day);
     const auto& submit = std::get<V6WalkingSyncPlanner::Submit>(first->days[static_cast<std::size_t>(day)].outcome);
-    EXPECT_EQ(service.day(day).revision, 1);
+    EXPECT_EQ(service.state().day(day).revision, 1);
     // The service's own hash of the observation agrees with the device's.
-    EXPECT_EQ(service.day(day).payloadHash, submit.payloadHash);
+    EXPECT_EQ(service.state().day(day).payloadHash, submit.payloadHash);
   }
-  EXPECT_EQ(service.writerDeviceKeyId(), key.serverDeviceKeyId);
+  EXPECT_EQ(service.state().writerDeviceKeyId, key.serverDeviceKeyId);
   EXPECT_TRUE(device.pending.pending(kOwner).records.empty());
 
   const auto again = device.submit(key, {0, 1, 2});
   ASSERT_TRUE(again.has_value());
   EXPECT_EQ(outcomes(*again), (std::vector<std::string>{"unchanged", "unchanged", "unchanged"}));
   EXPECT_FALSE(again->receipt.has_value());
-  EXPECT_EQ(service.acceptedSubmissions(), 1);
+  EXPECT_EQ(service.state().acceptedSubmissions, 1);
 }
 
 TEST_F(V6WalkingEvidenceSubmitterTest, ALostReceiptIsResentWithTheSameRequestIdAndMakesNoSecondRevision) {
@@ -107,29 +74,26 @@ TEST_F(V6WalkingEvidenceSubmitterTest, ALostReceiptIsResentWithTheSameRequestIdA
   ASSERT_TRUE(resent->resolved[0].receipt.has_value());
   // The day plan after the resend finds the service holding exactly this data.
   EXPECT_EQ(outcomes(*resent), (std::vector<std::string>{"unchanged", "unchanged", "noData"}));
-  const auto requests = service.submittedRequestIds();
-  ASSERT_EQ(requests.size(), 2u);
-  EXPECT_EQ(requests[0], requests[1]);
-  EXPECT_EQ(service.day(0).revision, 1);
-  EXPECT_EQ(service.acceptedSubmissions(), 1);
+  const auto state = service.state();
+  ASSERT_EQ(state.submittedRequestIds.size(), 2u);
+  EXPECT_EQ(std::tuple(state.submittedRequestIds[1], state.day(0).revision, state.acceptedSubmissions),
+            std::tuple(state.submittedRequestIds[0], 1, 1));
   EXPECT_TRUE(device.pending.pending(kOwner).records.empty());
 }
 
 TEST_F(V6WalkingEvidenceSubmitterTest, TheWriterMovesFromThisDevicesReplacedKeyBeforeSigning) {
   const auto first = device.registerKey();
   ASSERT_TRUE(device.submit(first, {0}).has_value());
-  EXPECT_EQ(service.writerEpoch(), 1);
+  EXPECT_EQ(service.state().writerEpoch, 1);
 
   const auto second = device.registerKey();
   EXPECT_EQ(second.replacedServerDeviceKeyIds, std::vector<std::string>{*first.serverDeviceKeyId});
   const auto outcome = device.submit(second, {0, 1});
   ASSERT_TRUE(outcome.has_value()) << outcome.error().code << ": " << outcome.error().detail;
-  ASSERT_TRUE(outcome->transfer.has_value());
-  EXPECT_EQ(outcome->transfer->writerEpoch, 2);
-  ASSERT_TRUE(outcome->receipt.has_value());
-  EXPECT_EQ(outcome->receipt->deviceKeyId, *second.serverDeviceKeyId);
-  EXPECT_EQ(outcome->receipt->writerEpoch, 2);
-  EXPECT_EQ(service.writerDeviceKeyId(), second.serverDeviceKeyId);
+  ASSERT_TRUE(outcome->transfer && outcome->receipt);
+  EXPECT_EQ(std::tuple(outcome->transfer->writerEpoch, outcome->receipt->writerEpoch, outcome->receipt->deviceKeyId,
+                       service.state().writerDeviceKeyId),
+            std::tuple(2, 2, *second.serverDeviceKeyId, second.serverDeviceKeyId));
 }
 
 TEST_F(V6WalkingEvidenceSubmitterTest, AnotherDevicesWriterIsLeftAloneAndNothingIsSent) {
@@ -138,7 +102,7 @@ TEST_F(V6WalkingEvidenceSubmitterTest, AnotherDevicesWriterIsLeftAloneAndNothing
   const auto refused = other.submit(other.registerKey(), {0, 1});
   ASSERT_FALSE(refused.has_value());
   EXPECT_EQ(refused.error().code, "walking_evidence_writer_device_mismatch");
-  EXPECT_EQ(service.submittedRequestIds().size(), 1u);
+  EXPECT_EQ(service.state().submittedRequestIds.size(), 1u);
 }
 
 TEST_F(V6WalkingEvidenceSubmitterTest, RefusalsThatEndAPendingSubmissionDropItAndTheNextRunRebuilds) {
@@ -161,9 +125,8 @@ TEST_F(V6WalkingEvidenceSubmitterTest, RefusalsThatEndAPendingSubmissionDropItAn
     steps += 100;  // new data each round, so there is always something to send
     const auto refused = device.submit(key, {0, 1}, steps);
     ASSERT_FALSE(refused.has_value());
-    EXPECT_EQ(refused.error().code, c.code);
-    EXPECT_EQ(refused.error().failure, WalkingEvidenceFailure::rejected);
-    EXPECT_EQ(refused.error().message, c.message);
+    EXPECT_EQ(std::tuple(refused.error().code, refused.error().failure, refused.error().message),
+              std::tuple(c.code, WalkingEvidenceFailure::rejected, c.message));
     EXPECT_TRUE(device.pending.pending(kOwner).records.empty());
     service.limitPayloadBytes(1 << 20);
 
@@ -172,7 +135,7 @@ TEST_F(V6WalkingEvidenceSubmitterTest, RefusalsThatEndAPendingSubmissionDropItAn
     ASSERT_TRUE(rebuilt->receipt.has_value());
   }
   // Day 0: accepted twice and moved once behind the device's back.
-  EXPECT_EQ(service.day(0).revision, 3);
+  EXPECT_EQ(service.state().day(0).revision, 3);
 }
 
 }  // namespace
