@@ -13,6 +13,7 @@
 #include "KoviKit/working/WorkingOfflineRuntime.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/working/OfflineLeaseServer.h"
+#include "tests/working/WorkingTestData.h"
 
 namespace kovi {
 namespace {
@@ -50,58 +51,49 @@ WorkingClockReading after(std::int64_t elapsed, std::int64_t skew = 0) {
 }
 
 TEST(OfflineRuntimeTest, NoticesRebootsAndClockJumps) {
-  const std::string reboot = "1b2c3d4e-0000-4000-8000-000000000000";
-  const struct {
-    const char* name;
-    WorkingClockReading reading;
-    std::string boot;
-    std::optional<std::string> refused;
-  } cases[] = {
-      {"steady", after(20'000), kBoot, std::nullopt},
-      {"reboot", after(20'000), reboot, "bootID"},
-      {"monotonic back", after(9'999), kBoot, "monotonic"},
-      {"wall ahead at tolerance", after(20'000, 2'000), kBoot, std::nullopt},
-      {"wall ahead past tolerance", after(20'000, 2'001), kBoot, "wall"},
-      {"wall behind past tolerance", after(20'000, -2'001), kBoot, "wall"},
-      {"clock set ten minutes ahead", after(20'000, 600'000), kBoot, "wall"},
-      {"extreme wall", {INT64_MIN, kMonotonic + 20'000}, kBoot, "wall"},
-  };
+  // Rows of offline-clock-readings.json: a reading `elapsed` after installation,
+  // the wall clock off by `skew` or set to `wall`, after a reboot or not.
+  const auto cases = nlohmann::json::parse(testing::workingDataFile("offline-clock-readings.json"));
+  ASSERT_EQ(cases.size(), 8U);
   for (const auto& example : cases) {
-    SCOPED_TRACE(example.name);
+    SCOPED_TRACE(example.at("name").get<std::string>());
+    WorkingClockReading reading = after(example.at("elapsed").get<std::int64_t>(), example.value("skew", 0LL));
+    if (example.contains("wall")) reading.wall = example.at("wall").get<UnixMillis>();
+    const std::string boot = example.at("reboot").get<bool>() ? "1b2c3d4e-0000-4000-8000-000000000000" : kBoot;
     WorkingOfflineRuntime runtime = installed();
     ASSERT_TRUE(runtime.observe(after(10'000), kBoot).has_value());
     const WorkingOfflineRuntime before = runtime;
-    const auto outcome = runtime.observe(example.reading, example.boot);
-    if (example.refused) {
+    const auto outcome = runtime.observe(reading, boot);
+    if (!example.at("refused").is_null()) {
       ASSERT_FALSE(outcome.has_value());
-      EXPECT_EQ(outcome.error(), (WorkingOfflineError{Kind::clockDiscontinuity, *example.refused}));
+      EXPECT_EQ(outcome.error(), (WorkingOfflineError{Kind::clockDiscontinuity, example.at("refused").get<std::string>()}));
       EXPECT_EQ(runtime, before);
     } else {
       ASSERT_TRUE(outcome.has_value()) << outcome.error().detail;
-      EXPECT_EQ(runtime.lastWall, example.reading.wall);
+      EXPECT_EQ(runtime.lastWall, reading.wall);
     }
   }
 }
 
 // Installed 2 s after the anchor, so the 90-second limit is 88 s after installation.
 TEST(OfflineRuntimeTest, StopsAtWorkUntilTheOfflineLimitAndMaxSequence) {
-  const struct {
-    const char* name;
-    UnixMillis workUntil;
-    std::int64_t maxSequence, elapsed;
-    std::optional<WorkingOfflineError> refusal;
-  } cases[] = {
-      {"before limit", kThrough + 300'000, 20, 87'999, std::nullopt},
-      {"at limit", kThrough + 300'000, 20, 88'000, WorkingOfflineError{Kind::expired, "offlineLimit"}},
-      {"before workUntil", kThrough + 30'000, 20, 27'999, std::nullopt},
-      {"at workUntil", kThrough + 30'000, 20, 28'000, WorkingOfflineError{Kind::expired, "workUntil"}},
-      {"sequences used up", kThrough + 300'000, 7, 1'000, WorkingOfflineError{Kind::unavailable, "maxSequence"}},
-  };
+  // Rows of offline-limits.json: a lease working until `workUntilAfterAnchor`
+  // after its anchor, asked `elapsed` after installation.
+  const auto cases = nlohmann::json::parse(testing::workingDataFile("offline-limits.json"));
+  ASSERT_EQ(cases.size(), 5U);
   for (const auto& example : cases) {
-    SCOPED_TRACE(example.name);
-    WorkingOfflineRuntime runtime = installed(lease(example.workUntil, example.maxSequence));
-    const auto outcome = runtime.mayCount(after(example.elapsed), kBoot);
-    EXPECT_EQ(outcome ? std::optional<WorkingOfflineError>() : outcome.error(), example.refusal);
+    SCOPED_TRACE(example.at("name").get<std::string>());
+    WorkingOfflineRuntime runtime = installed(
+        lease(kThrough + example.at("workUntilAfterAnchor").get<std::int64_t>(), example.at("maxSequence").get<std::int64_t>()));
+    const auto outcome = runtime.mayCount(after(example.at("elapsed").get<std::int64_t>()), kBoot);
+    const auto& refusal = example.at("refusal");
+    if (refusal.is_null()) {
+      EXPECT_TRUE(outcome.has_value()) << outcome.error().detail;
+    } else {
+      ASSERT_FALSE(outcome.has_value());
+      EXPECT_EQ(enumName(outcome.error().kind), refusal.at("kind").get<std::string>());
+      EXPECT_EQ(outcome.error().detail, refusal.at("detail").get<std::string>());
+    }
   }
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <set>
 
 #include "KoviKit/working/WorkingSummaryFormat.h"
@@ -100,29 +101,20 @@ bool contains(const std::vector<std::string>& lines, const std::string& line) {
   return std::ranges::find(lines, line) != lines.end();
 }
 
+// summary-lines.json: lines each canonical rule set's summary must hold, by language.
 TEST(WorkingRuleSummaryTest, OpenLinesAreCompletedWithTheRuleValues) {
-  const struct { const char* file; Language language; std::vector<std::string> lines; } cases[] = {
-      {"daily-rules.json",
-       Language::turkish,
-       {"Günlük hedef: 2 saat 30 dakika.", "7 günün 5 gününde hedefe ulaşmalısın.",
-        "Kovi başladıktan sonra ayrılırsan katkının %25 kadarı havuzda kalır."}},
-      {"daily-rules.json", Language::english, {"You must reach the target on 5 of the 7 days."}},
-      {"daily-rules.json", Language::french, {"Tu dois atteindre l’objectif 5 jours sur 7."}},
-      {"race-rules.json", Language::english, {"Rank shares: 60% to rank 1, 30% to rank 2, 10% to rank 3."}},
-      {"scheduled-rules.json",
-       Language::turkish,
-       {"1. aralık: 27 Mar 2026 18:00 – 27 Mar 2026 21:00, hedef 1 saat 30 dakika.",
-        "3. gün: 29 Mar 2026 00:00 – 30 Mar 2026 00:00 (23 saat)."}},
-      {"scheduled-rules.json", Language::french, {"Jour 3 : 29 mars 2026, 00:00 – 30 mars 2026, 00:00 (23 h)."}},
-      {"first-to-target-rules.json",
-       Language::turkish,
-       {"Ulaşma zamanları 5 dakika dilimlerle karşılaştırılır; aynı dilimdekiler eşit sayılır."}},
-  };
-  for (const auto& summary : cases) {
-    const auto lines = renderWorkingSummary(summarizeWorkingRules(testing::workingRules(summary.file)), summary.language);
-    for (const std::string& line : summary.lines) {
-      SCOPED_TRACE(std::string(summary.file) + ": " + line);
-      EXPECT_TRUE(contains(lines, line));
+  const std::map<std::string, Language> languages{
+      {"turkish", Language::turkish}, {"english", Language::english}, {"french", Language::french}};
+  const auto expected = nlohmann::json::parse(testing::workingDataFile("summary-lines.json"));
+  ASSERT_EQ(expected.size(), 4U);
+  for (const auto& [file, byLanguage] : expected.items()) {
+    const auto summary = summarizeWorkingRules(testing::workingRules(file));
+    for (const auto& [language, wanted] : byLanguage.items()) {
+      const auto lines = renderWorkingSummary(summary, languages.at(language));
+      for (const std::string line : wanted) {
+        SCOPED_TRACE(file + " (" + language + "): " + line);
+        EXPECT_TRUE(contains(lines, line));
+      }
     }
   }
 }

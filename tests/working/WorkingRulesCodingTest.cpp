@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 
 #include "KoviKit/working/WorkingRuleShape.h"
@@ -44,71 +45,33 @@ TEST(WorkingRulesCodingTest, NestedRulesDecodeStrictly) {
   EXPECT_EQ(mistyped.error().message(), "rules.goal.kind: expected a string, found a number");
 }
 
-using testing::decodeEdited;
-using testing::RulesEdit;
-using testing::setting;
 using Stage = WorkingRulesDecodeError::Stage;
-
-using nlohmann::json;
 
 // A rule document passes three stages in order: syntax, the shape check (no
 // object outside its key set), typed decoding; each failure names its stage
-// and, where it has one, the key path.
+// and, where it has one, the key path. Each row of rules-shape.json patches
+// one canonical rule set.
 TEST(WorkingRuleShapeTest, EachStageRefusesWithItsPath) {
-  const std::string daily = "daily-rules.json";
-  const struct {
-    std::string file;
-    RulesEdit edit;
-    Stage stage;
-    std::string reason;  // empty: the document decodes
-  } cases[] = {
-      // An omitted optional is missing, not null.
-      {daily, [](auto& r) { r["goal"].erase("totalTargetSeconds"); }, Stage::shape,
-       "Unknown or missing policy field at rules.goal"},
-      {daily, [](auto& r) { r["notes"] = "hi"; }, Stage::shape, "Unknown or missing policy field at rules"},
-      {daily, [](auto& r) { r["calendar"]["days"][3]["label"] = "Wed"; }, Stage::shape,
-       "Unknown or missing policy field at rules.calendar.days[]"},
-      // A key the typed decoder would ignore.
-      {daily, [](auto& r) { r["blocking"]["bypass"]["comment"] = "ignored?"; }, Stage::shape,
-       "Unknown or missing policy field at rules.blocking.bypass"},
-      {daily, [](auto& r) { r["verification"]["passive"].erase("readingCounts"); }, Stage::shape,
-       "Unknown or missing policy field at rules.verification.passive"},
-      {"scheduled-rules.json", [](auto& r) { r["session"]["pomodoro"]["longBreakSeconds"] = 900; }, Stage::shape,
-       "Unknown or missing policy field at rules.session.pomodoro"},
-      {daily, [](auto& r) { r["goal"]["kind"] = json::object(); }, Stage::shape,
-       "Unknown policy object at rules.goal.kind"},
-      {"race-rules.json", [](auto& r) { r["economics"]["rankPayoutsBps"][1] = {{"bps", 3000}}; }, Stage::shape,
-       "Unknown policy object at rules.economics.rankPayoutsBps[]"},
-      {daily, [](auto& r) { r["calendar"]["windows"] = {json::array({json::object()})}; }, Stage::shape,
-       "Unknown policy object at rules.calendar.windows[][]"},
-      {daily, [](auto& r) { r = json::array({r}); }, Stage::shape, "Unknown policy object at rules[]"},
-      // The parent is reported before the child, the earlier member first.
-      {daily, [](auto& r) { r["goal"].erase("kind"), r["extra"] = 1; }, Stage::shape,
-       "Unknown or missing policy field at rules"},
-      {daily, [](auto& r) { r["economics"]["x"] = 1, r["goal"]["x"] = 1; }, Stage::shape,
-       "Unknown or missing policy field at rules.goal"},
-      // No pomodoro at all is a rule set like any other.
-      {"scheduled-rules.json", [](auto& r) { r["session"]["pomodoro"] = nullptr; }, {}, ""},
-      {daily, setting({{"/goal/kind", "weekly"}}), Stage::decoding, "rules.goal.kind: unknown value \"weekly\""},
-      {daily, setting({{"/version", "2"}}), Stage::decoding, "rules.version: expected an integer, found a string"},
-      {daily, setting({{"/economics/contributionAtomic", 25}}), Stage::decoding,
-       "rules.economics.contributionAtomic: expected a string, found a number"},
-      {daily, setting({{"/calendar/days/2/start", 1.5}}), Stage::decoding,
-       "rules.calendar.days[2].start: expected an integer, found a number"},
-      {daily, setting({{"/session/pomodoro", 7}}), Stage::decoding,
-       "rules.session.pomodoro: expected an object, found a number"},
-  };
-  for (const auto& refused : cases) {
-    SCOPED_TRACE(refused.reason);
-    const auto decoded = decodeEdited(refused.file, refused.edit);
-    if (refused.reason.empty()) {
+  const std::map<std::string, Stage> stages{{"shape", Stage::shape}, {"decoding", Stage::decoding}};
+  const auto rows = nlohmann::json::parse(testing::workingDataFile("rules-shape.json"));
+  ASSERT_EQ(rows.size(), 17U);
+  for (const auto& row : rows) {
+    const std::string reason = row.at("reason");
+    SCOPED_TRACE(row.at("patch").dump());
+    const auto decoded = testing::decodeEdited(row.at("file").get<std::string>(),
+                                               [&](nlohmann::json& rules) { rules = rules.patch(row.at("patch")); });
+    if (reason.empty()) {
       EXPECT_TRUE(decoded.has_value()) << decoded.error().reason;
       continue;
     }
     ASSERT_FALSE(decoded.has_value());
-    EXPECT_EQ(decoded.error().stage, refused.stage);
-    EXPECT_EQ(decoded.error().reason, refused.reason);
+    EXPECT_EQ(decoded.error().stage, stages.at(row.at("stage")));
+    EXPECT_EQ(decoded.error().reason, reason);
   }
+  const auto wrapped = testing::decodeEdited("daily-rules.json", [](auto& r) { r = nlohmann::json::array({r}); });
+  ASSERT_FALSE(wrapped.has_value());
+  EXPECT_EQ(wrapped.error().stage, Stage::shape);
+  EXPECT_EQ(wrapped.error().reason, "Unknown policy object at rules[]");
   const auto broken = decodeWorkingRules(std::string_view("{\"version\": 2,"));
   ASSERT_FALSE(broken.has_value());
   EXPECT_EQ(broken.error().stage, Stage::syntax);

@@ -87,26 +87,14 @@ TEST_F(ScheduledArmStoreTest, RefusesBindingsThatCouldNameAnotherFile) {
 }
 
 TEST_F(ScheduledArmStoreTest, ACorruptFileIsReportedKeptAndNeverOverwritten) {
-  const std::pair<std::string, std::string> cases[] = {
-      {R"({"version":1,"chainBinding":")", "not valid JSON at line 1, column 30: syntax error while parsing value - "
-                                           "invalid string: missing closing quote; last read: '\"'"},
-      {R"({"version":2,"chainBinding":"x","record":{}})", "version: unsupported version 2"},
-      {armFileText([](auto& file) {
-         file["chainBinding"] = "0x" + std::string(40, 'b') + ":42";
-         file["record"]["room"]["chain"]["registryAddress"] = "0x" + std::string(40, 'b');
-       }),
-       "chainBinding: names another binding"},
-      {armFileText([](auto& file) { file["record"]["room"]["chain"]["koviId"] = "43"; }),
-       "chainBinding: not the binding of the record's room"},
-      {armFileText([](auto& file) { file["record"]["room"].erase("chain"); }),
-       "record.room.chain: a scheduled arm needs the room's chain binding, 0x<40 lowercase hex>:<kovi id without "
-       "leading zero>"},
-      {R"({"version":1,"version":1})", "version: duplicate key"},
-      {R"({"version":1,"chainBinding":")" + kBinding + R"(","record":{"closed":true}})", "record.room: missing key"},
-      {armFileText([](auto& file) { file["record"]["session"]["epoch"] = "3"; }),
-       "record.session.epoch: expected an integer, found a string"},
-      {R"({"version":1,"extra":true})", "extra: unknown key"}};
-  for (const auto& [text, reason] : cases) {
+  // Each row of corrupt-arm-files.json is a file's text, or a patch to a
+  // valid arm file.
+  const auto cases = nlohmann::ordered_json::parse(testing::workingDataFile("corrupt-arm-files.json"));
+  ASSERT_EQ(cases.size(), 9U);
+  for (const auto& row : cases) {
+    const std::string reason = row.at("reason");
+    const std::string text = row.contains("text") ? row.at("text").get<std::string>()
+                                                  : armFileText([&](auto& file) { file = file.patch(row.at("patch")); });
     SCOPED_TRACE(reason);
     const auto path = directory.write("Kovi/ScheduledArms/" + kAddress + "-42.json", text);
     const auto loaded = files.load(kBinding);

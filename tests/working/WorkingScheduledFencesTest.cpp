@@ -12,6 +12,7 @@
 #include "KoviKit/working/WorkingScheduledReminderFence.h"
 #include "KoviKit/working/WorkingScheduledStartFence.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/working/WorkingTestData.h"
 
 namespace kovi {
 namespace {
@@ -29,46 +30,28 @@ Fence armedFence() {
 }
 
 TEST(StartFenceTest, FiresOnlyArmedForTheCurrentEpochsInsideTheWindow) {
-  using State = Fence::State;
-  const struct {
-    State state;
-    UnixMillis now;
-    std::int64_t ownerEpoch, refreshEpoch;
-    std::optional<Failure> failure;
-  } cases[] = {
-      {State::idle, kStart, 4, 9, Failure::notArmed},
-      {State::fired, kStart, 4, 9, Failure::alreadyFired},
-      // The state is checked before anything else.
-      {State::fired, kStart - 1, 3, 8, Failure::alreadyFired},
-      {State::armed, kStart, 3, 9, Failure::ownerMismatch},
-      {State::armed, kStart, 5, 9, Failure::ownerMismatch},
-      // The owner epoch is checked before the refresh epoch and the clock.
-      {State::armed, kStart - 1, 5, 8, Failure::ownerMismatch},
-      {State::armed, kStart, 4, 8, Failure::refreshMismatch},
-      {State::armed, kStart - 1, 4, 10, Failure::refreshMismatch},
-      {State::armed, kStart - 1, 4, 9, Failure::early},
-      {State::armed, kStart, 4, 9, std::nullopt},
-      {State::armed, kStart + 1, 4, 9, std::nullopt},
-      {State::armed, kLate - 1, 4, 9, std::nullopt},
-      {State::armed, kLate, 4, 9, std::nullopt},
-      {State::armed, kLate + 1, 4, 9, Failure::expired},
-  };
+  // Rows of start-fence-fires.json: a fence open from kStart through kLate (300 000 ms on),
+  // for owner epoch 4 and refresh epoch 9, put in `state` and fired.
+  const auto cases = nlohmann::json::parse(testing::workingDataFile("start-fence-fires.json"));
+  ASSERT_EQ(cases.size(), 14U);
   for (const auto& c : cases) {
-    SCOPED_TRACE(::testing::Message() << enumName(c.state) << " at " << c.now - kStart << " epochs " << c.ownerEpoch
-                                      << "/" << c.refreshEpoch);
+    SCOPED_TRACE(c.dump());
+    const auto state = enumFromName<Fence::State>(c.at("state").get<std::string>());
+    ASSERT_TRUE(state.has_value());
+    const UnixMillis now = kStart + c.at("sinceStart").get<UnixMillis>();
     Fence fence = armedFence();
-    fence.state = c.state;
+    fence.state = *state;
     const Fence before = fence;
-    const auto outcome = fence.fire(c.now, c.ownerEpoch, c.refreshEpoch);
-    if (c.failure) {
+    const auto outcome = fence.fire(now, c.at("ownerEpoch"), c.at("refreshEpoch"));
+    if (!c.at("failure").is_null()) {
       ASSERT_FALSE(outcome.has_value());
-      EXPECT_EQ(outcome.error(), *c.failure);
+      EXPECT_EQ(enumName(outcome.error()), c.at("failure").get<std::string>());
       EXPECT_EQ(fence, before) << "a refused fire changes nothing";
     } else {
       ASSERT_TRUE(outcome.has_value());
-      EXPECT_EQ(outcome->preparedAt, c.now);
+      EXPECT_EQ(outcome->preparedAt, now);
       EXPECT_EQ(fence.state, Fence::State::fired);
-      EXPECT_EQ(fence.firedAt, c.now);
+      EXPECT_EQ(fence.firedAt, now);
     }
   }
 }

@@ -37,28 +37,14 @@ TEST(WorkingSessionReplayTest, DecodesThePolicyIdentifiersAndEveryEventKind) {
 }
 
 TEST(WorkingSessionReplayTest, RefusesDocumentsNamingWhereAndWhy) {
-  const struct { const char* name; void (*edit)(json&); const char* message; } cases[] = {
-      {"both rules and policy", [](json& d) { d["rules"] = json::object(); },
-       "exactly one of \"rules\" and \"policy\" is required"},
-      {"an unknown top-level key", [](json& d) { d["note"] = 1; }, "note: unknown key"},
-      {"a session identifier with a space", [](json& d) { d["sessionID"] = "s 1"; },
-       "sessionID: expected 1 to 128 letters, digits or _.:-"},
-      {"an unknown event type", [](json& d) { d["events"][1]["type"] = "nap"; }, "events[1].type: unknown value \"nap\""},
-      {"a key that belongs to another event type", [](json& d) { d["events"][3]["state"] = "online"; },
-       "events[3].state: unknown key"},
-      {"a fractional instant", [](json& d) { d["events"][2]["at"] = 1.5; }, "events[2].at: expected an integer, found a number"},
-      {"a readiness missing a flag", [](json& d) { d["events"][0]["readiness"].erase("serverLease"); },
-       "events[0].readiness.serverLease: missing key"},
-      {"a policy the engine refuses", [](json& d) { d["policy"]["resumeDebounceMS"] = 0; },
-       "policy: the session engine refuses this policy"},
-  };
+  // Each row of replay-refusals.json patches the document above.
+  const auto cases = json::parse(testing::workingDataFile("replay-refusals.json"));
+  ASSERT_EQ(cases.size(), 8U);
   for (const auto& refused : cases) {
-    SCOPED_TRACE(refused.name);
-    json document = replayDocument();
-    refused.edit(document);
-    const auto replay = decodeWorkingSessionReplay(document.dump());
+    SCOPED_TRACE(refused.at("name").get<std::string>());
+    const auto replay = decodeWorkingSessionReplay(replayDocument().patch(refused.at("patch")).dump());
     ASSERT_FALSE(replay.has_value());
-    EXPECT_EQ(replay.error().message(), refused.message);
+    EXPECT_EQ(replay.error().message(), refused.at("message").get<std::string>());
   }
 }
 

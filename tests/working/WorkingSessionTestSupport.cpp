@@ -22,10 +22,6 @@ WorkingSessionEvent startEvent(UnixMillis at, WorkingSessionReadiness readiness)
   return {at, WorkingSessionEvent::Type::start, readiness, {}, {}};
 }
 
-WorkingSessionEvent readinessEvent(UnixMillis at, WorkingSessionReadiness readiness) {
-  return {at, WorkingSessionEvent::Type::readiness, readiness, {}, {}};
-}
-
 WorkingSessionEvent transportEvent(UnixMillis at, WorkingTransportState state) {
   return {at, WorkingSessionEvent::Type::transport, {}, {}, state};
 }

@@ -16,7 +16,6 @@ WorkingSessionReadiness allReady();
 
 WorkingSessionEvent sessionEvent(UnixMillis at, WorkingSessionEvent::Type type);
 WorkingSessionEvent startEvent(UnixMillis at, WorkingSessionReadiness readiness = allReady());
-WorkingSessionEvent readinessEvent(UnixMillis at, WorkingSessionReadiness readiness);
 WorkingSessionEvent transportEvent(UnixMillis at, WorkingTransportState state);
 WorkingSessionEvent passiveEvent(UnixMillis at, bool eligible, const char* token);
 

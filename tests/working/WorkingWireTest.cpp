@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "KoviKit/working/WorkingCommandOutcome.h"
 #include "KoviKit/working/WorkingRemoteSession.h"
@@ -39,43 +38,21 @@ TEST(WorkingWireTest, EveryRecordRoundTripsItsSample) {
   }
 }
 
-struct RefusalCase {
-  std::string type;
-  std::string from;  // a piece of the sample, replaced by `to`
-  std::string to;
-  std::string error;
-};
-
+// Each row of wire-refusals.json replaces a piece of a record's sample; parts
+// passed on unread must still be safe to copy.
 TEST(WorkingWireTest, RefusalsNameTheKeyPath) {
-  const std::vector<RefusalCase> cases = {
-      {"session", R"("status":"applied")", R"("status":"queued")", R"(commands[0].status: unknown value "queued")"},
-      {"command", R"("outcome":"applied")", R"("outcome":"done")", R"(ack.outcome: unknown value "done")"},
-      {"room", R"("visibility":{"presence":"progressOnly")", R"("visibility":{"presence":"everything")",
-       R"(members[0].visibility.presence: unknown value "everything")"},
-      {"cohort", R"("ready":false)", R"("ready":"no")", "members[1].ready: expected a boolean, found a string"},
-      {"finalization", R"("nextResultVersion":2)", R"("nextResultVersion":2.5)",
-       "reviewDecisions[0].nextResultVersion: expected an integer, found a number"},
-      {"device-response", R"("sequence":88,)", "", "device.sequence: missing key"},
-      {"detail-response", R"("acc_can":"Can")", R"("acc_can":7)", "memberNames.acc_can: expected a string"},
-      {"session", R"("epoch":3,"sequence":12)", R"("epoch":3,"epoch":4,"sequence":12)", "epoch: duplicate key"},
-      {"session", R"("recoveredMS":60000)", R"("recoveredMS":3120001)",
-       "integrity: Invalid Working integrity millisecond totals"},
-      {"session", R"("missingMS":0)", R"("missingMS":-1)", "integrity: Invalid Working integrity millisecond totals"},
-      {"session", R"("missingMS":0)", R"("missingMS":9223372036854775807)",
-       "integrity: Invalid Working integrity millisecond totals"},
-      // Parts passed on unread must still be safe to copy.
-      {"detail-response", R"("ownOvertime":{"minutes":12})",
-       R"("ownOvertime":)" + std::string(40, '[') + std::string(40, ']'), "ownOvertime: nested deeper than 32"},
-  };
-  for (const RefusalCase& test : cases) {
-    SCOPED_TRACE(test.type + ": " + test.to);
-    std::string text = sample(test.type);
-    const auto at = text.find(test.from);
+  const auto cases = nlohmann::json::parse(testing::workingDataFile("wire-refusals.json"));
+  ASSERT_EQ(cases.size(), 12U);
+  for (const auto& test : cases) {
+    const std::string type = test.at("type"), from = test.at("from"), to = test.at("to"), error = test.at("error");
+    SCOPED_TRACE(type + ": " + to);
+    std::string text = sample(type);
+    const auto at = text.find(from);
     ASSERT_NE(at, std::string::npos);
-    text.replace(at, test.from.size(), test.to);
-    const auto result = recordType(test.type).reencode(text);
+    text.replace(at, from.size(), to);
+    const auto result = recordType(type).reencode(text);
     ASSERT_FALSE(result.has_value());
-    EXPECT_EQ(result.error().message().substr(0, test.error.size()), test.error);
+    EXPECT_EQ(result.error().message().substr(0, error.size()), error);
   }
 }
 
@@ -162,19 +139,16 @@ TEST(WorkingWireTest, AcknowledgementsForAnotherSessionAreRefused) {
 TEST(WorkingWireTest, PhoneTextsFollowOutcomeAndReason) {
   using Outcome = WorkingCommandAcknowledgement::Outcome;
   using Reason = WorkingCommandAcknowledgement::Reason;
-  struct Case { Outcome outcome; Reason reason; std::string_view kind; std::string_view text; };
-  const std::vector<Case> cases = {
-      {Outcome::applied, Reason::none, "break", "Mac isteği uyguladı. Bu onay çalışma süresi eklemez."},
-      {Outcome::applied, Reason::none, "resume", "Mac devam isteğini onayladı. Yalnızca yeni doğrulanan çalışma sayılır."},
-      {Outcome::rejected, Reason::policyRejected, "bypass", "Bu istek, onayladığın oturum kurallarıyla uygulanamadı."},
-      {Outcome::rejected, Reason::notReady, "resume", "Mac’in izinlerini ve gereken odak korumalarını kontrol et."},
-      {Outcome::rejected, Reason::stateConflict, "break", "Mac’teki oturumu kontrol edip durumu yenile."},
-      {Outcome::expired, Reason::deliveryExpired, "break", "Mac’teki oturumu kontrol edip durumu yenile."},
-      {Outcome::superseded, Reason::newerCommand, "resume", "Oturuma daha yeni bir istek geldi. Güncel durumu kontrol et."},
-  };
-  for (const Case& test : cases) {
-    const WorkingCommandAcknowledgement ack{"s", "c", "d", 0, 0, test.outcome, test.reason};
-    EXPECT_EQ(workingCommandOutcomeText(ack, test.kind), test.text) << enumName(test.outcome) << " " << test.kind;
+  const auto cases = nlohmann::json::parse(testing::workingDataFile("phone-texts.json"));
+  ASSERT_EQ(cases.size(), 7U);
+  for (const auto& test : cases) {
+    const std::string kind = test.at("kind");
+    SCOPED_TRACE(test.dump());
+    const auto outcome = enumFromName<Outcome>(test.at("outcome").get<std::string>());
+    const auto reason = enumFromName<Reason>(test.at("reason").get<std::string>());
+    ASSERT_TRUE(outcome && reason);
+    const WorkingCommandAcknowledgement ack{"s", "c", "d", 0, 0, *outcome, *reason};
+    EXPECT_EQ(workingCommandOutcomeText(ack, kind), test.at("text").get<std::string>());
   }
 }
 
