@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <set>
 #include <string>
-#include <vector>
 
 #include "KoviKit/foundation/Json.h"
 #include "KoviKit/purrl/PurrlFocusMode.h"
