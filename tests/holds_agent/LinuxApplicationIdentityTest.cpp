@@ -38,13 +38,9 @@ TEST(X11ApplicationIdentity, LinuxBuildsOfMacAppsCarryTheirMacIdentifiers) {
 TEST(X11ApplicationIdentity, EveryMacIdentifierItUsesIsOneThePresetsName) {
   std::set<std::string> presetIdentifiers{"app.kovi.app.mac"};
   for (const auto& row : purrlFocusModeTable()) presetIdentifiers.insert(row.macBundleIDs.begin(), row.macBundleIDs.end());
-  const X11WindowClass classes[] = {{"discord", ""},  {"telegram-desktop", ""}, {"steam", ""},  {"spotify", ""},
-                                    {"firefox", ""},  {"google-chrome", ""},    {"brave-browser", ""},
-                                    {"microsoft-edge", ""}, {"opera", ""},      {"code", ""},   {"obsidian", ""},
-                                    {"1password", ""}, {"bitwarden", ""},       {"whatsapp-for-linux", ""}};
-  for (const auto& windowClass : classes) {
-    EXPECT_TRUE(presetIdentifiers.contains(x11ApplicationIdentity(windowClass).bundleIdentifier))
-        << windowClass.instance;
+  for (const nlohmann::json& instance : rowsFor("presetInstances", 14)) {
+    EXPECT_TRUE(presetIdentifiers.contains(x11ApplicationIdentity({instance.get<std::string>(), ""}).bundleIdentifier))
+        << instance;
   }
 }
 
