@@ -6,6 +6,9 @@
 #include <optional>
 #include <string>
 
+#include "KoviKit/foundation/Json.h"
+#include "tests/support/TestData.h"
+
 namespace kovi {
 namespace {
 
@@ -15,35 +18,27 @@ Calendar calendarIn(const char* zone) {
   return *calendar;
 }
 
+const nlohmann::json& cases() {
+  static const nlohmann::json rows =
+      parseJson(testing::testDataFile("foundation", "calendar.json")).value_or(nlohmann::json::object());
+  return rows;
+}
+
+const std::string& text(const nlohmann::json& row, const char* key) { return row.at(key).get_ref<const std::string&>(); }
+
 UnixMillis instant(const char* iso) {
   const auto parsed = parseInstant(iso);
   EXPECT_TRUE(parsed.has_value()) << iso;
   return parsed.value_or(0);
 }
 
+// Each row names its zone, day and minute; a null instant means no date.
 TEST(CalendarTest, DateAtResolvesWallTimes) {
-  const struct {
-    const char* zone;
-    const char* day;
-    int minute;
-    std::optional<const char*> expected;  // ISO instant, or nullopt for no date
-  } cases[] = {
-      {"Europe/Istanbul", "2026-11-22", 0, "2026-11-22T00:00:00+03:00"},
-      // 1440 and beyond count into the following days.
-      {"Europe/Istanbul", "2026-11-22", 1440, "2026-11-23T00:00:00+03:00"},
-      {"Europe/Istanbul", "2026-11-22", 1440 + 420, "2026-11-23T07:00:00+03:00"},
-      {"Europe/Istanbul", "2026-12-31", 1440, "2027-01-01T00:00:00+03:00"},
-      // 02:30 does not exist on 2026-03-08 in New York: the next existing time is 03:00.
-      {"America/New_York", "2026-03-08", 150, "2026-03-08T03:00:00-04:00"},
-      // 01:30 happens twice on 2026-11-01: the first occurrence (daylight time) wins.
-      {"America/New_York", "2026-11-01", 90, "2026-11-01T01:30:00-04:00"},
-      {"America/New_York", "2026-11-01", 1440, "2026-11-02T00:00:00-05:00"},
-      {"Europe/Istanbul", "2026-02-30", 0, std::nullopt}, {"Europe/Istanbul", "2026-11-22", -1, std::nullopt},
-      {"Europe/Istanbul", "2026-11-2", 0, std::nullopt}, {"Europe/Istanbul", "+026-11-22", 0, std::nullopt},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(c.zone) + " " + c.day + " +" + std::to_string(c.minute));
-    EXPECT_EQ(calendarIn(c.zone).dateAt(c.day, c.minute).transform(&Date::unixMillis), c.expected.transform(instant));
+  for (const nlohmann::json& c : cases().at("dateAt")) {
+    SCOPED_TRACE(c.dump());
+    const auto resolved = calendarIn(text(c, "zone").c_str()).dateAt(text(c, "day"), c.at("minute").get<int>());
+    EXPECT_EQ(resolved.transform(&Date::unixMillis),
+              c.at("instant").is_null() ? std::nullopt : std::optional(instant(text(c, "instant").c_str())));
   }
 }
 
@@ -86,14 +81,11 @@ TEST(CalendarTest, UnknownZonesAreRefusedAndCopiesShareNoState) {
 }
 
 TEST(CalendarTest, ParseInstantReadsIso8601WithOffsets) {
-  const struct {
-    const char* text;
-    std::optional<UnixMillis> expected;
-  } cases[] = {{"2026-11-22T23:30:00+03:00", 1795379400000}, {"2026-11-22T20:30:00Z", 1795379400000},
-               {"2026-11-22T20:30Z", 1795379400000},         {"2026-11-22T20:30:00.250Z", 1795379400250},
-               {"2026-11-22T20:30:00", std::nullopt},        {"2026-11-22", std::nullopt},
-               {"2026-11-22T20:30:00Zjunk", std::nullopt},   {"", std::nullopt}};
-  for (const auto& c : cases) EXPECT_EQ(parseInstant(c.text), c.expected) << '"' << c.text << '"';
+  for (const nlohmann::json& c : cases().at("parseInstant")) {
+    const nlohmann::json& millis = c.at("millis");
+    EXPECT_EQ(parseInstant(text(c, "text")), millis.is_null() ? std::nullopt : std::optional(millis.get<UnixMillis>()))
+        << c.dump();
+  }
 }
 
 TEST(DateTest, ConvertsBetweenTheTwoEpochsExactlyAndTrapsNonFiniteInstants) {

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <set>
-#include <ostream>
 #include <string>
 
 #include "KoviMacHolds/MacHoldsSchedule.h"

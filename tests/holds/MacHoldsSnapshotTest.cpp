@@ -46,47 +46,21 @@ std::string replaced(std::string_view text, std::string_view from, std::string_v
   return result;
 }
 
+// Each document is written out or is the full or minimal snapshot with one
+// text replaced; a refused one names its failure and the reason it gives.
 TEST(MacHoldsSnapshotDecoding, AcceptsOrSaysWhy) {
-  const struct {
-    const char* name;
-    std::string text;
-    std::optional<Kind> failure;  // nullopt: decodes
-    std::string reason;           // expected reason when it fails
-  } cases[] = {
-        {"Minimal", std::string(minimalSnapshot), std::nullopt, ""},
-        {"NullOptionals",
-                   R"({"version":1,"stopped":false,"syncedAt":1,"keepCommunication":true,"examWeek":null,"sleep":null,"allowance":null,"accountScope":null})",
-                   std::nullopt, ""},
-        {"UnknownKeysAreIgnored", replaced(minimalSnapshot, "\"stopped\"", "\"theme\": \"dark\", \"stopped\""),
-                   std::nullopt, ""},
-        {"IntegralFloatMinute", replaced(fullSnapshot, "\"firstMinute\": 540", "\"firstMinute\": 540.0"),
-                   std::nullopt, ""},
-        {"Version2WithAnotherShape", R"({"version": 2, "holds": []})", Kind::unsupportedVersion,
-                   "version 2 is not supported (only 1 is)"},
-        {"VersionAsText", replaced(fullSnapshot, "\"version\": 1", "\"version\": \"1\""), Kind::undecodable,
-                   "version: expected an integer, found a string"},
-        {"MissingVersion", R"({"stopped": false, "syncedAt": 0, "keepCommunication": false})",
-                   Kind::undecodable, "version: missing key"},
-        {"MissingNestedKey", replaced(fullSnapshot, "\"startDay\": \"2026-11-20\", ", ""), Kind::undecodable,
-                   "examWeek.startDay: missing key"},
-        {"WrongNestedType", replaced(fullSnapshot, "\"usedMS\": 1200000", "\"usedMS\": \"20m\""),
-                   Kind::undecodable, "allowance.usedMS: expected an integer, found a string"},
-        {"FractionalMinute", replaced(fullSnapshot, "\"sleepEnd\": 420", "\"sleepEnd\": 420.5"),
-                   Kind::undecodable, "examWeek.sleepEnd: expected an integer, found a number"},
-        {"NullRequiredKey", replaced(minimalSnapshot, "\"stopped\": true", "\"stopped\": null"),
-                   Kind::undecodable, "stopped: expected a boolean, found null"},
-        {"ArrayDocument", "[]", Kind::undecodable, "expected an object, found an array"},
-        {"NotJson", "{\"version\": 1,", Kind::undecodable,
-                   "not valid JSON at line 1, column 15: syntax error while parsing object key - unexpected end of "
-                   "input; expected string literal"},
-        {"RepeatedKey", "{\"version\": 1, \"version\": 1}", Kind::undecodable, "version: duplicate key"}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const auto decoded = decodeMacHoldsSnapshot(c.text);
-    ASSERT_EQ(decoded.has_value(), !c.failure) << (decoded ? "" : decoded.error().reason);
-    if (c.failure) {
-      EXPECT_EQ(decoded.error(), (MacHoldsSnapshotFailure{*c.failure, c.reason})) << decoded.error().reason;
-    }
+  const auto rows = parseJson(kovi::testing::testDataFile("holds", "snapshot-documents.json"));
+  ASSERT_TRUE(rows.has_value() && rows->size() == 14) << "snapshot-documents.json";
+  for (const nlohmann::json& c : *rows) {
+    SCOPED_TRACE(c.dump());
+    const auto text = [&](const nlohmann::json& value) { return value.get<std::string>(); };
+    const auto decoded = decodeMacHoldsSnapshot(
+        c.contains("text") ? text(c.at("text"))
+                           : replaced(c.at("base") == "full" ? std::string_view(fullSnapshot) : minimalSnapshot,
+                                      text(c.at("replace")[0]), text(c.at("replace")[1])));
+    const nlohmann::json refused = decoded ? nlohmann::json() : nlohmann::json{{"kind", enumName(decoded.error().kind)},
+                                                                                {"reason", decoded.error().reason}};
+    EXPECT_EQ(refused, c.at("refused"));
   }
 }
 

@@ -1,88 +1,58 @@
 #include <gtest/gtest.h>
 
+#include "KoviKit/foundation/Json.h"
 #include "KoviKit/purrl/PurrlFocusMode.h"
 #include "KoviMacHolds/platform/x11/X11ApplicationIdentity.h"
+#include "tests/support/TestData.h"
 
 namespace kovi::holds::x11 {
 namespace {
 
-struct IdentityCase {
-  X11WindowClass windowClass;
-  const char* bundleIdentifier;
-  const char* displayName;
-  bool isDesktopPart = false;
-};
+using desktop::LinuxWindowSystem;
 
+const nlohmann::json& rowsFor(const char* system, std::size_t count) {
+  static const nlohmann::json rows =
+      parseJson(kovi::testing::testDataFile("holds_agent", "application-identities.json")).value();
+  EXPECT_EQ(rows.at(system).size(), count) << system;
+  return rows.at(system);
+}
+
+const std::string& text(const nlohmann::json& row, const char* key) { return row.at(key).get_ref<const std::string&>(); }
+
+nlohmann::json described(const desktop::LinuxApplicationIdentity& identity, LinuxWindowSystem system) {
+  return {{"bundle", identity.bundleIdentifier}, {"display", identity.displayName},
+          {"desktopPart", desktop::linuxDesktopIdentifiers(system).contains(identity.bundleIdentifier)}};
+}
+
+// Mac apps are known by instance, by class, or by a variant of the class (that
+// every row of the table names a preset's identifier is the next test); the
+// desktop's own parts by class in lower case; everything else keeps its class
+// as given, and no class at all is no application.
 TEST(X11ApplicationIdentity, LinuxBuildsOfMacAppsCarryTheirMacIdentifiers) {
-  const IdentityCase cases[] = {
-      // Known by instance, by class, or by a variant of the class; that every
-      // row of the table names a preset's identifier is the next test.
-      {{"discord", "discord"}, "com.hnc.Discord", "Discord"},
-      {{"telegram-desktop", "TelegramDesktop"}, "org.telegram.desktop", "Telegram"},
-      {{"steamwebhelper", "Steam"}, "com.valvesoftware.steam", "Steam"},
-      {{"Navigator", "firefox"}, "org.mozilla.firefox", "Firefox"},
-      {{"Navigator", "firefox-esr"}, "org.mozilla.firefox", "Firefox"},
-      {{"code", "Code"}, "com.microsoft.VSCode", "Visual Studio Code"},
-      // The desktop's own parts, by class in lower case.
-      {{"thunar", "Thunar"}, "x11:thunar", "Thunar", true},
-      {{"org.gnome.Nautilus", "Org.gnome.Nautilus"}, "x11:org.gnome.nautilus", "Org.gnome.Nautilus", true},
-      {{"", "Gnome-control-center"}, "x11:gnome-control-center", "Gnome-control-center", true},
-      // Everything else keeps its class as given.
-      {{"gimp", "Gimp"}, "x11:Gimp", "Gimp"}, {{"xterm", ""}, "x11:xterm", "xterm"},
-      // No class at all: no application.
-      {{"", ""}, "", ""},
-  };
-  const auto& desktopIdentifiers = desktop::linuxDesktopIdentifiers(desktop::LinuxWindowSystem::x11);
-  for (const auto& entry : cases) {
-    SCOPED_TRACE(entry.windowClass.instance + "/" + entry.windowClass.className);
-    const auto identity = x11ApplicationIdentity(entry.windowClass);
-    EXPECT_EQ(identity.bundleIdentifier, entry.bundleIdentifier);
-    EXPECT_EQ(identity.displayName, entry.displayName);
-    EXPECT_EQ(desktopIdentifiers.contains(identity.bundleIdentifier), entry.isDesktopPart);
+  for (const nlohmann::json& row : rowsFor("x11", 12)) {
+    const auto identity = x11ApplicationIdentity({text(row, "instance"), text(row, "class")});
+    EXPECT_EQ(described(identity, LinuxWindowSystem::x11), row.at("identity")) << row.dump();
   }
 }
 
 TEST(X11ApplicationIdentity, EveryMacIdentifierItUsesIsOneThePresetsName) {
   std::set<std::string> presetIdentifiers{"app.kovi.app.mac"};
   for (const auto& row : purrlFocusModeTable()) presetIdentifiers.insert(row.macBundleIDs.begin(), row.macBundleIDs.end());
-  const X11WindowClass classes[] = {{"discord", ""},  {"telegram-desktop", ""}, {"steam", ""},  {"spotify", ""},
-                                    {"firefox", ""},  {"google-chrome", ""},    {"brave-browser", ""},
-                                    {"microsoft-edge", ""}, {"opera", ""},      {"code", ""},   {"obsidian", ""},
-                                    {"1password", ""}, {"bitwarden", ""},       {"whatsapp-for-linux", ""}};
-  for (const auto& windowClass : classes) {
-    EXPECT_TRUE(presetIdentifiers.contains(x11ApplicationIdentity(windowClass).bundleIdentifier))
-        << windowClass.instance;
+  for (const nlohmann::json& instance : rowsFor("presetInstances", 14)) {
+    EXPECT_TRUE(presetIdentifiers.contains(x11ApplicationIdentity({instance.get<std::string>(), ""}).bundleIdentifier))
+        << instance;
   }
 }
 
 // A Wayland toplevel names its application by app_id alone: the native name
 // or, for Flatpak builds, a reverse-DNS one; both reach the same Mac identifier.
+// The desktop's own parts go by app_id in lower case, everything else keeps
+// its app_id under the Wayland prefix, and none names no application.
 TEST(WaylandApplicationIdentity, AppIdsOfNativeAndFlatpakBuildsShareTheTable) {
-  struct Case {
-    const char* appId;
-    const char* bundleIdentifier;
-    const char* displayName;
-    bool isDesktopPart = false;
-  };
-  const Case cases[] = {
-      {"discord", "com.hnc.Discord", "Discord"}, {"com.discordapp.Discord", "com.hnc.Discord", "Discord"},
-      {"firefox", "org.mozilla.firefox", "Firefox"}, {"org.mozilla.firefox", "org.mozilla.firefox", "Firefox"},
-      {"com.visualstudio.code", "com.microsoft.VSCode", "Visual Studio Code"},
-      // The desktop's own parts, by app_id in lower case.
-      {"org.gnome.Nautilus", "wayland:org.gnome.nautilus", "org.gnome.Nautilus", true},
-      // Everything else keeps its app_id as given, under the Wayland prefix.
-      {"org.gnome.TextEditor", "wayland:org.gnome.TextEditor", "org.gnome.TextEditor"},
-      // A toplevel without an app_id names no application.
-      {"", "", ""},
-  };
-  const auto& desktopIdentifiers = desktop::linuxDesktopIdentifiers(desktop::LinuxWindowSystem::wayland);
-  for (const auto& entry : cases) {
-    SCOPED_TRACE(entry.appId);
-    const auto identity =
-        desktop::linuxApplicationIdentity(desktop::LinuxWindowSystem::wayland, {entry.appId}, entry.appId);
-    EXPECT_EQ(identity.bundleIdentifier, entry.bundleIdentifier);
-    EXPECT_EQ(identity.displayName, entry.displayName);
-    EXPECT_EQ(desktopIdentifiers.contains(identity.bundleIdentifier), entry.isDesktopPart);
+  for (const nlohmann::json& row : rowsFor("wayland", 8)) {
+    const std::string& appId = text(row, "appId");
+    const auto identity = desktop::linuxApplicationIdentity(LinuxWindowSystem::wayland, {appId}, appId);
+    EXPECT_EQ(described(identity, LinuxWindowSystem::wayland), row.at("identity")) << row.dump();
   }
 }
 

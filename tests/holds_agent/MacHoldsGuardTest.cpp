@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
 #include <string>
 
@@ -7,6 +8,7 @@
 #include "KoviMacHolds/MacHoldsIdentity.h"
 #include "KoviMacHolds/MacHoldsSchedule.h"
 #include "tests/holds_agent/MacHoldsFakes.h"
+#include "tests/support/TestData.h"
 
 namespace kovi::holds::testing {
 namespace {
@@ -38,47 +40,29 @@ struct GuardFixture {
   }
 };
 
-struct FrontCase {
-  const char* name;
-  MacHoldsDue::Kind due;
-  bool keepCommunication;
-  const char* bundleIdentifier;
-  bool hidden;
-  MacActivationPolicy policy = MacActivationPolicy::regular;
-};
-
 using Kind = MacHoldsDue::Kind;
 
-const FrontCase kFrontCases[] = {
-    // Study is an allow-list: only study tools may come to the front.
-    {"studyHidesAnUnknownApp", Kind::study, true, "x11:Gimp", true},
-    {"studyAllowsABrowser", Kind::study, true, "org.mozilla.firefox", false},
-    {"studyKeepsMessagesWithCommunication", Kind::study, true, "com.apple.MobileSMS", false},
-    {"studyHidesMessagesWithoutCommunication", Kind::study, false, "com.apple.MobileSMS", true},
-    // Always spared, whatever the list says.
-    {"finderIsSpared", Kind::study, false, "com.apple.finder", false},
-    {"mainAppIsSpared", Kind::study, false, "app.kovi.app.mac", false},
-    {"desktopFileManagerIsSpared", Kind::study, false, "x11:thunar", false},
-    // Background and accessory applications are never held.
-    {"accessoryAppIsLeftAlone", Kind::study, false, "x11:Gimp", false, MacActivationPolicy::accessory},
-    {"backgroundAppIsLeftAlone", Kind::study, false, "x11:Gimp", false, MacActivationPolicy::prohibited},
-    // Sleep and Social are block lists: the distractions go, the rest stays.
-    {"sleepHidesDiscord", Kind::sleep, false, "com.hnc.Discord", true},
-    {"sleepLeavesABrowser", Kind::sleep, false, "org.mozilla.firefox", false},
-    {"socialHidesSteam", Kind::social, true, "com.valvesoftware.steam", true},
-    {"socialLeavesAnUnknownApp", Kind::social, true, "x11:Gimp", false},
-};
-
+// Study is an allow-list: only study tools may come to the front. The Finder,
+// the main app and the desktop's file manager are always spared; background
+// and accessory applications are never held; Sleep and Social are block
+// lists: the distractions go, the rest stays.
 TEST(MacHoldsGuardFront, HidesOnlyHeldApplications) {
-  for (const FrontCase& front : kFrontCases) {
-    SCOPED_TRACE(front.name);
+  const std::map<std::string, MacActivationPolicy> policies{{"regular", MacActivationPolicy::regular},
+                                                            {"accessory", MacActivationPolicy::accessory},
+                                                            {"prohibited", MacActivationPolicy::prohibited}};
+  const auto rows = parseJson(kovi::testing::testDataFile("holds_agent", "front-apps.json"));
+  ASSERT_TRUE(rows.has_value() && rows->size() == 13) << "front-apps.json";
+  for (const nlohmann::json& front : *rows) {
+    SCOPED_TRACE(front.at("name").get<std::string>());
     GuardFixture fixture;
-    fixture.hold({front.due, kStudyEnd}, front.keepCommunication);
-    const pid_t pid = fixture.frontApp(front.bundleIdentifier, "Some App", front.policy);
-
-    EXPECT_EQ(fixture.agent.workspace.hidden == std::vector<pid_t>{pid}, front.hidden);
-    EXPECT_EQ(fixture.guardian->isShieldVisible(), front.hidden);
-    if (front.hidden) {
+    fixture.hold({enumFromName<Kind>(front.at("due").get<std::string>()).value(), kStudyEnd},
+                 front.at("keepCommunication").get<bool>());
+    const pid_t pid = fixture.frontApp(front.at("app").get<std::string>(), "Some App",
+                                       policies.at(front.at("policy").get<std::string>()));
+    const bool hidden = front.at("hidden").get<bool>();
+    EXPECT_EQ(fixture.agent.workspace.hidden == std::vector<pid_t>{pid}, hidden);
+    EXPECT_EQ(fixture.guardian->isShieldVisible(), hidden);
+    if (hidden) {
       EXPECT_EQ(fixture.guardian->shieldAppName(), "Some App");
     }
   }

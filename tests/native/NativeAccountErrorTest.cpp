@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "KoviKit/foundation/Json.h"
 #include "KoviKit/foundation/Localization.h"
 #include "KoviKit/native/NativeAccountErrorTable.h"
 #include "tests/native/NativeErrorPrinting.h"
+#include "tests/support/TestData.h"
 
 namespace kovi {
 namespace {
@@ -52,14 +54,11 @@ TEST(NativeAccountErrorTest, MessagesFollowTheCaseTheCodeAndTheArea) {
 
 // Rounded up to whole minutes from a minute on; never less than one second.
 TEST(NativeAccountErrorTest, WordsTheWait) {
-  const struct {
-    std::int64_t seconds;
-    std::string sentence;
-  } cases[] = {{59, seconds("59")}, {60, minutes("1")}, {61, minutes("2")}, {0, seconds("1")}, {-1, seconds("1")},
-               {INT64_MIN, seconds("1")}, {INT64_MAX, minutes("153722867280912931")}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.seconds);
-    EXPECT_EQ(nativeRateLimitMessage(c.seconds), c.sentence);
+  const auto rows = parseJson(testing::testDataFile("native", "rate-limit-sentences.json"));
+  ASSERT_TRUE(rows.has_value() && rows->size() == 7) << "rate-limit-sentences.json";
+  for (const nlohmann::json& c : *rows) {
+    EXPECT_EQ(nativeRateLimitMessage(c.at("seconds").get<std::int64_t>()), c.at("sentence").get<std::string>())
+        << c.dump();
   }
 }
 

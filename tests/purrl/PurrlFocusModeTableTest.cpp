@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <set>
 #include <string>
-#include <vector>
 
+#include "KoviKit/foundation/Json.h"
 #include "KoviKit/purrl/PurrlFocusMode.h"
+#include "tests/support/TestData.h"
 
 namespace kovi {
 namespace {
@@ -14,34 +15,22 @@ using enum PurrlFocusModeID;
 using enum PurrlFocusStrictness;
 using enum PurrlFocusAppPolicy;
 
-// Each row's columns, its length options and its phone lists.
+// Each row's columns as the table's own names (domains: social 10, streaming
+// 5, games 6, messaging 3, video 2; counted, like the Mac applications), its
+// length options and its phone lists.
 TEST(FocusModeTable, EachRowHoldsItsColumns) {
-  const struct {
-    PurrlFocusModeID id;
-    int defaultMinutes;
-    PurrlFocusStrictness strictness;
-    PurrlFocusAppPolicy phoneApps;
-    bool lecturePass;
-    PurrlFocusAppPolicy macApps;
-    std::size_t domainCount;  // social 10, streaming 5, games 6, messaging 3, video 2
-    std::size_t macAppCount;
-  } rows[] = {{study, 50, committed, allowList, true, allowList, 24, 37},
-              {deep, 90, committed, blockList, false, blockList, 26, 9},
-              {quick, 25, chill, blockList, false, blockList, 12, 9},
-              {reading, 30, chill, allowList, false, allowList, 26, 7},
-              {hangout, 240, chill, allowList, false, blockList, 21, 9},
-              {couple, 240, chill, blockList, false, blockList, 23, 9},
-              {sleep, 480, committed, blockList, false, blockList, 26, 9},
-              {gym, 60, chill, blockList, false, blockList, 17, 9},
-              {mock, 165, locked, allowList, false, allowList, 26, 3},
-              {studyDate, 50, committed, allowList, true, allowList, 24, 38}};
-  for (const auto& c : rows) {
-    SCOPED_TRACE(enumName(c.id));
-    const PurrlFocusModeSpec& row = purrlFocusModeSpec(c.id);
-    EXPECT_EQ(std::tuple(row.id, row.defaultMinutes, row.defaultStrictness, row.phoneApps, row.lecturePass, row.macApps,
-                         row.blockedDomains.size(), row.macBundleIDs.size()),
-              std::tuple(c.id, c.defaultMinutes, c.strictness, c.phoneApps, c.lecturePass, c.macApps, c.domainCount,
-                         c.macAppCount));
+  const auto rows = parseJson(testing::testDataFile("purrl", "focus-modes.json"));
+  ASSERT_TRUE(rows.has_value() && rows->size() == 10) << "focus-modes.json";
+  for (const nlohmann::json& c : *rows) {
+    SCOPED_TRACE(c.dump());
+    const PurrlFocusModeSpec& row =
+        purrlFocusModeSpec(enumFromName<PurrlFocusModeID>(c.at("id").get_ref<const std::string&>()).value());
+    EXPECT_EQ(nlohmann::json({{"id", enumName(row.id)}, {"defaultMinutes", row.defaultMinutes},
+                              {"defaultStrictness", enumName(row.defaultStrictness)},
+                              {"phoneApps", enumName(row.phoneApps)}, {"lecturePass", row.lecturePass},
+                              {"macApps", enumName(row.macApps)}, {"blockedDomains", row.blockedDomains.size()},
+                              {"macBundleIDs", row.macBundleIDs.size()}}),
+              c);
     // The default length is among the ascending options.
     EXPECT_TRUE(std::ranges::is_sorted(row.minuteOptions));
     EXPECT_GT(row.minuteOptions.front(), 0);

@@ -8,6 +8,7 @@
 #include "KoviKit/purrl/PurrlFocusMockReminder.h"
 #include "KoviKit/purrl/PurrlFocusStudyLog.h"
 #include "tests/support/Refusal.h"
+#include "tests/support/TestData.h"
 
 namespace kovi {
 
@@ -147,36 +148,29 @@ TEST(PurrlMockReminderMessageTest, NamesThePaper) {
   EXPECT_EQ(reminder.message(), "Yarın LGS Sözel denemen var. Kedin de seninle erkenden hazır olacak.");
 }
 
+// Each row counts [section, correct, wrong, blank] on a paper and expects
+// its net or the reason it is refused.
 TEST(PurrlMockScoreTest, ScoresOrRefusesTheCountedAnswers) {
-  using enum PurrlFocusMockExam;
-  const struct {
-    const char* name;
-    PurrlFocusMockExam exam;
+  const auto rows = parseJson(testing::testDataFile("purrl", "mock-scores.json"));
+  ASSERT_TRUE(rows.has_value() && rows->size() == 8) << "mock-scores.json";
+  for (const nlohmann::json& c : *rows) {
+    SCOPED_TRACE(c.at("name").get<std::string>());
     std::vector<PurrlFocusMockSection> answers;
-    std::optional<double> net;  // nullopt: refused
-    std::string reason;
-  } cases[] = {
-      {"tyt: four wrong cancel one", tyt, {{"turkce", 30, 8, 2, 0}, {"fen", 10, 2, 8, 0}}, (30 - 2.0) + (10 - 0.5), ""},
-      {"lgs: three wrong cancel one", lgsSayisal, {{"mat", 14, 6, 0, 0}, {"fen", 18, 1, 1, 0}},
-       (14 - 2.0) + (18 - 1.0 / 3.0), ""},
-      {"ydt: four wrong cancel one", ydt, {{"dil", 60, 20, 0, 0}}, 55.0, ""}, {"no sections taken", ayt, {}, 0.0, ""},
-      {"section of another paper", lgsSozel, {{"mat", 10, 0, 10, 0}}, std::nullopt,
-       "section mat is not part of lgs_sozel"},
-      {"counts do not add up", tyt, {{"sosyal", 10, 5, 4, 0}}, std::nullopt, "section sosyal has 20 questions, not 19"},
-      {"section twice", ydt, {{"dil", 80, 0, 0, 0}, {"dil", 80, 0, 0, 0}}, std::nullopt, "section dil is counted twice"},
-      {"negative count", tyt, {{"fen", 21, -1, 0, 0}}, std::nullopt, "section fen has a negative count"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const auto result = PurrlFocusStudyLog::Result::scored(c.exam, c.answers);
-    if (!c.net) {
+    for (const nlohmann::json& section : c.at("answers")) {
+      answers.push_back(
+          {section[0].get<std::string>(), section[1].get<int>(), section[2].get<int>(), section[3].get<int>(), 0});
+    }
+    const auto exam = enumFromName<PurrlFocusMockExam>(c.at("exam").get<std::string>());
+    ASSERT_TRUE(exam.has_value());
+    const auto result = PurrlFocusStudyLog::Result::scored(*exam, answers);
+    if (c.contains("refused")) {
       ASSERT_FALSE(result.has_value());
-      EXPECT_EQ(result.error(), c.reason);
+      EXPECT_EQ(result.error(), c.at("refused").get<std::string>());
       continue;
     }
     ASSERT_TRUE(result.has_value()) << result.error();
-    EXPECT_DOUBLE_EQ(result->net, *c.net);
-    EXPECT_EQ(result->sections.size(), c.answers.size());
+    EXPECT_DOUBLE_EQ(result->net, c.at("net").get<double>());
+    EXPECT_EQ(result->sections.size(), answers.size());
   }
 }
 
