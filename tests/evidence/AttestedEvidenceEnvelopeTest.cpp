@@ -24,26 +24,17 @@ TEST(AttestedEvidenceEnvelopeTest, CanonicalTextIsWrittenFieldByFieldWithoutWhit
                            R"("challengeId":"challenge-1","challenge":)";
   const std::string tail = R"(,"evidencePayloadHash":")" + std::string(64, 'c') +
                            R"(","issuedAt":1700000000000,"expiresAt":1700000600000})";
-  const struct {
-    const char* name; std::string challenge; std::vector<std::int64_t> days, revisions, cutoffs; std::string expected;
-  } cases[] = {
-      {"three days", "c", {0, 1, 2}, {0, 2, 0}, {1000, 2000, 3000},
-       R"("c","windowIds":[0,1,2],"expectedRevisions":[0,2,0],"measurementCutoffs":[1000,2000,3000])"},
-      {"one day", "c", {5}, {1}, {-1}, R"("c","windowIds":[5],"expectedRevisions":[1],"measurementCutoffs":[-1])"},
-      {"quotes and backslashes", R"(say "hi" \ bye)", {0}, {0}, {7},
-       R"("say \"hi\" \\ bye","windowIds":[0],"expectedRevisions":[0],"measurementCutoffs":[7])"},
-      {"control characters and Turkish letters", "a\nb\x01ğ", {0}, {0}, {7},
-       "\"a\\nb\\u0001ğ\",\"windowIds\":[0],\"expectedRevisions\":[0],\"measurementCutoffs\":[7]"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  // envelope-texts.json: challenges and day lists with the canonical text written between head and tail.
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("envelope-texts.json"))) {
+    SCOPED_TRACE(example["name"].get<std::string>());
     auto envelope = threeDays();
-    envelope.challenge = c.challenge;
-    envelope.windowIds = c.days;
-    envelope.expectedRevisions = c.revisions;
-    envelope.measurementCutoffs = c.cutoffs;
-    EXPECT_EQ(envelope.canonicalText(), head + c.expected + tail);
-    EXPECT_EQ(envelope.clientDataHash(), sha256(head + c.expected + tail));
+    envelope.challenge = example["challenge"].get<std::string>();
+    envelope.windowIds = example["days"].get<std::vector<std::int64_t>>();
+    envelope.expectedRevisions = example["revisions"].get<std::vector<std::int64_t>>();
+    envelope.measurementCutoffs = example["cutoffs"].get<std::vector<std::int64_t>>();
+    const std::string expected = head + example["expected"].get<std::string>() + tail;
+    EXPECT_EQ(envelope.canonicalText(), expected);
+    EXPECT_EQ(envelope.clientDataHash(), sha256(expected));
   }
 }
 
