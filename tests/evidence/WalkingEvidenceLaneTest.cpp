@@ -34,26 +34,20 @@ TEST(WalkingEvidenceSchedule, PlacesTheKoviInItsLaneAndShowsTheUpload) {
 }
 
 TEST(WalkingEvidenceBackoff, DoublesTransientWaitsAndWaitsFixedTimesForTheRest) {
-  using Failure = WalkingEvidenceFailure;
-  struct Step { Failure failure; int failures; UnixMillis wait; };
-  // One sequence of failures from a clean state, each at `now`.
-  const std::vector<Step> steps{
-      {Failure::transient, 1, 1 * kMinute},       {Failure::transient, 2, 2 * kMinute},
-      {Failure::noData, 2, 15 * kMinute},         {Failure::transient, 3, 4 * kMinute},
-      {Failure::transient, 4, 8 * kMinute},       {Failure::transient, 5, 16 * kMinute},
-      {Failure::transient, 6, 32 * kMinute},      {Failure::transient, 7, 60 * kMinute},
-      {Failure::transient, 8, 60 * kMinute},      {Failure::attestation, 8, 5 * kMinute},
-      {Failure::rejected, 8, 1 * kMinute},        {Failure::attestationUnsupported, 8, 24 * kHour},
-  };
+  // backoff-steps.json: one sequence of failures from a clean state, each at `now`, with the failure count
+  // and the wait after it.
   const UnixMillis now = at("2026-05-04T12:00:00Z");
   WalkingEvidenceBackoff backoff;
   EXPECT_TRUE(backoff.allowsAttempt(now));
-  for (std::size_t index = 0; index < steps.size(); ++index) {
-    SCOPED_TRACE(index);
-    backoff = backoff.afterFailure(steps[index].failure, now);
-    EXPECT_EQ(backoff, (WalkingEvidenceBackoff{steps[index].failures, now + steps[index].wait}));
-    EXPECT_FALSE(backoff.allowsAttempt(now + steps[index].wait - 1));
-    EXPECT_TRUE(backoff.allowsAttempt(now + steps[index].wait));
+  for (const auto& step : nlohmann::json::parse(testing::evidenceData("backoff-steps.json"))) {
+    SCOPED_TRACE(step.dump());
+    const auto failure = enumFromName<WalkingEvidenceFailure>(step[0].get<std::string>());
+    ASSERT_TRUE(failure.has_value());
+    const UnixMillis wait = step[2];
+    backoff = backoff.afterFailure(*failure, now);
+    EXPECT_EQ(backoff, (WalkingEvidenceBackoff{step[1], now + wait}));
+    EXPECT_FALSE(backoff.allowsAttempt(now + wait - 1));
+    EXPECT_TRUE(backoff.allowsAttempt(now + wait));
   }
   EXPECT_EQ(WalkingEvidenceBackoff::afterSuccess(), WalkingEvidenceBackoff{});
 }
@@ -104,29 +98,21 @@ class WalkingProgressSummaryTest : public ::testing::Test {
 };
 
 TEST_F(WalkingProgressSummaryTest, ShowsTodaysStepsForADailyGoalAndTheSumOtherwise) {
-  struct Case {
-    std::string name; bool daily; std::vector<std::pair<int, double>> totals; UnixMillis now;
-    std::optional<double> steps; std::optional<UnixMillis> dayEndsAt; bool waits;
+  // progress-summaries.json: the goal (daily or total), the day totals read, `now`, and what the summary shows.
+  const auto optionalAt = [](const nlohmann::json& iso) {
+    return iso.is_null() ? std::nullopt : std::optional(at(iso.get<std::string>()));
   };
-  const std::vector<Case> cases{
-      {"beforeTheFirstMidnight", true, {}, at("2026-05-04T23:55:00+03:00"), {}, {}, true},
-      {"dailyToday", true, {{0, 9000}, {1, 4200}}, at("2026-05-06T10:00:00+03:00"), 4200,
-       at("2026-05-07T00:00:00+03:00"), false},
-      {"dailyTodayNotReadYet", true, {{0, 9000}}, at("2026-05-06T10:00:00+03:00"), {},
-       at("2026-05-07T00:00:00+03:00"), false},
-      {"totalSoFar", false, {{0, 9000}, {1, 4200}}, at("2026-05-06T10:00:00+03:00"), 13200,
-       at("2026-05-07T00:00:00+03:00"), false},
-      {"afterTheLastDay", false, {{0, 1}, {1, 2}, {2, 3}}, at("2026-05-09T10:00:00+03:00"), 6, {}, false},
-  };
-  for (const Case& example : cases) {
-    SCOPED_TRACE(example.name);
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("progress-summaries.json"))) {
+    SCOPED_TRACE(example["name"].get<std::string>());
     WalkingKoviRules rules = rules_;
-    if (!example.daily) rules.goalMode = WalkingKoviRules::GoalMode::total;
-    const auto summary =
-        WalkingProgressSummary::summarize(rules, start_, windows_, evaluationWith(example.totals), example.now);
+    if (!example["daily"]) rules.goalMode = WalkingKoviRules::GoalMode::total;
+    const auto summary = WalkingProgressSummary::summarize(
+        rules, start_, windows_, evaluationWith(example["totals"]), at(example["now"].get<std::string>()));
+    const auto steps = example["steps"].is_null() ? std::nullopt : std::optional(example["steps"].get<double>());
     EXPECT_EQ(std::tuple(summary.steps, summary.target, summary.isDaily, summary.dayEndsAt, summary.waitsForFirstDay,
                          summary.needsDayRefresh),
-              std::tuple(example.steps, 8000, example.daily, example.dayEndsAt, example.waits, false));
+              std::tuple(steps, 8000, example["daily"].get<bool>(), optionalAt(example["dayEndsAt"]),
+                         example["waits"].get<bool>(), false));
   }
 }
 
