@@ -118,17 +118,17 @@ TEST_F(WalkingProgressSummaryTest, ShowsTodaysStepsForADailyGoalAndTheSumOtherwi
 
 TEST_F(WalkingProgressSummaryTest, StoredProgressOfAnEarlierDayNeedsARefresh) {
   const UnixMillis now = at("2026-05-06T10:00:00+03:00");
-  struct Case { std::string name; WalkingProgressSummary::Stored stored; bool refresh; };
-  for (const Case& example : {
-           Case{"storedThisMorning", {at("2026-05-06T08:00:00+03:00"), at("2026-05-07T00:00:00+03:00")}, false},
-           Case{"storedYesterday", {at("2026-05-05T22:00:00+03:00"), at("2026-05-06T00:00:00+03:00")}, true},
-           Case{"storedYesterdayWithoutDayEnd", {at("2026-05-05T22:00:00+03:00"), {}}, true},
-           Case{"storedDayEndedJustNow", {at("2026-05-06T08:00:00+03:00"), now}, true},
-       }) {
-    SCOPED_TRACE(example.name);
-    EXPECT_EQ(WalkingProgressSummary::needsRefresh(example.stored, windows_, now), example.refresh);
-    EXPECT_EQ(WalkingProgressSummary::summarize(rules_, start_, windows_, {}, now, example.stored).needsDayRefresh,
-              example.refresh);
+  // stored-progress.json: when progress was stored, the end of the day it was stored in (null: unknown),
+  // and whether it needs a refresh at `now`.
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("stored-progress.json"))) {
+    SCOPED_TRACE(example.dump());
+    const WalkingProgressSummary::Stored stored{
+        at(example[0].get<std::string>()),
+        example[1].is_null() ? std::nullopt : std::optional(at(example[1].get<std::string>()))};
+    const bool refresh = example[2];
+    EXPECT_EQ(WalkingProgressSummary::needsRefresh(stored, windows_, now), refresh);
+    EXPECT_EQ(WalkingProgressSummary::summarize(rules_, start_, windows_, {}, now, stored).needsDayRefresh,
+              refresh);
   }
 }
 
