@@ -28,6 +28,11 @@ V6WalletDraft walkingDraft() {
   return *draft;
 }
 
+// wallet-records.json: service answers refused with the place and reason, and
+// registry address / kovi number pairs with the refusal each earns (null: none),
+// and requests as they are encoded.
+const nlohmann::json kRecords = nlohmann::json::parse(testing::testDataFile("wallet", "wallet-records.json"));
+
 TEST(V6WalletRequestTest, EncodesKeysInOrderAndLeavesAbsentOnesOut) {
   V6WalletRequest status;
   status.action = "operation";
@@ -55,23 +60,11 @@ TEST(V6WalletRequestTest, EncodesKeysInOrderAndLeavesAbsentOnesOut) {
   every.day = "2026-11-22";
   every.steps = 12000;
 
-  const struct {
-    V6WalletRequest request;
-    std::string encoded;
-  } cases[] = {
-      {status, R"({"action":"operation","requestId":"r9"})"},
-      // The intent and the draft in their declared order; the rules as canonical JSON.
-      {prepare,
-       R"({"action":"prepareOperation","requestId":"r1","intent":{"kind":"create",)"
-       R"("draft":{"domain":"walking","title":"Yürüyüş","salt":"s1","invitees":["a"],"stakeAmount":"0.5","capacity":3,)"
-       R"("joinDeadline":1700000000,"rules":{"durationDays":2,"exitPenaltyBps":0,"goalMode":"total","mode":"goal",)"
-       R"("payoutRule":"equalSuccessful","rankPayoutsBps":[],"stepTarget":20000,"verificationWindowHours":24},)"
-       R"("start":{"mode":"walkingFixedStart","startsAt":1700003600}},"reviewDigest":"digest","approved":true}})"},
-      {approve, R"({"action":"approveOperation","requestId":"r1","assertion":{"credentialId":"aWQ","signature":"c2ln"}})"},
-      {every, R"({"action":"x","requestId":"r","reference":"KOVI-AAAA","cursor":"c","destination":"d",)"
-              R"("code":"KOVI-ABCD-EFGH","address":"0xab","day":"2026-11-22","steps":12000})"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(encodeV6WalletRequest(c.request), c.encoded);
+  // The intent and the draft in their declared order; the rules as canonical JSON.
+  for (const auto& [name, request] : {std::pair{"status", status}, std::pair{"prepare", prepare},
+                                      std::pair{"approve", approve}, std::pair{"every", every}}) {
+    EXPECT_EQ(encodeV6WalletRequest(request), kRecords["encodedRequests"].at(name).get<std::string>()) << name;
+  }
 }
 
 TEST(V6WalletRequestTest, RequestIdsAreFreshVersion4Uuids) {
@@ -111,10 +104,6 @@ TEST(V6WalletOperationTest, DecodesTheServersOperationAndEncodesItBack) {
   ASSERT_TRUE(again.has_value()) << again.error().message();
   EXPECT_EQ(*again, operation);
 }
-
-// wallet-records.json: service answers refused with the place and reason, and
-// registry address / kovi number pairs with the refusal each earns (null: none).
-const nlohmann::json kRecords = nlohmann::json::parse(testing::testDataFile("wallet", "wallet-records.json"));
 
 TEST(V6WalletResponseTest, RefusesWithThePlaceAndReason) {
   using Refusal = std::pair<std::string, std::string>;
