@@ -55,19 +55,18 @@ TEST(WalkingEvidenceBackoff, DoublesTransientWaitsAndWaitsFixedTimesForTheRest) 
 TEST(WalkingEvidenceBackoffStoreTest, OnlyTransientFailuresAreStoredAndTheyCountAcrossRuns) {
   const testing::TemporaryDirectory directory;
   const UnixMillis now = at("2026-05-04T08:00:00Z");
-  const struct { WalkingEvidenceFailure failure; WalkingEvidenceBackoff stored; } steps[] = {
-      {WalkingEvidenceFailure::rejected, {}},
-      {WalkingEvidenceFailure::transient, {1, now + kMinute}},
-      {WalkingEvidenceFailure::noData, {1, now + kMinute}},
-      {WalkingEvidenceFailure::attestation, {1, now + kMinute}},
-      {WalkingEvidenceFailure::transient, {2, now + 2 * kMinute}},
-  };
-  for (const auto& step : steps) {
-    SCOPED_TRACE(enumName(step.failure));
+  // stored-backoffs.json: failures one after another, each with the failure count and the minutes to wait
+  // (null: nothing stored) that the store keeps after it.
+  for (const auto& step : nlohmann::json::parse(testing::evidenceData("stored-backoffs.json"))) {
+    SCOPED_TRACE(step.dump());
+    const auto failure = enumFromName<WalkingEvidenceFailure>(step[0].get<std::string>());
+    ASSERT_TRUE(failure.has_value());
+    const WalkingEvidenceBackoff stored{
+        step[1], step[2].is_null() ? std::nullopt : std::optional(now + step[2].get<UnixMillis>() * kMinute)};
     // A store of its own each time: what counts is on disk.
     WalkingEvidenceBackoffStore store(directory.path());
-    EXPECT_EQ(store.recordFailure("actor-1", step.failure, now), step.stored);
-    EXPECT_EQ(WalkingEvidenceBackoffStore(directory.path()).load("actor-1"), step.stored);
+    EXPECT_EQ(store.recordFailure("actor-1", *failure, now), stored);
+    EXPECT_EQ(WalkingEvidenceBackoffStore(directory.path()).load("actor-1"), stored);
   }
   WalkingEvidenceBackoffStore store(directory.path());
   EXPECT_EQ(store.load("actor-2"), WalkingEvidenceBackoff{}) << "owners are kept apart";
