@@ -38,31 +38,19 @@ TEST(AttestedEvidenceEnvelopeTest, CanonicalTextIsWrittenFieldByFieldWithoutWhit
   }
 }
 
+// invalid-envelopes.json: changes to the three-day envelope that decode but do not validate, with the field named.
 TEST(AttestedEvidenceEnvelopeTest, ValidationNamesTheFieldTheServiceWouldRefuse) {
-  const struct {
-    void (*change)(AttestedEvidenceEnvelope&);
-    const char* path;
-  } cases[] = {
-      {[](auto& e) { e.protocolVersion = 1; }, "protocolVersion"},
-      {[](auto& e) { e.rulesHash = std::string(64, 'B'); }, "rulesHash"},
-      {[](auto& e) { e.rulesHash = std::string(63, 'b'); }, "rulesHash"},
-      {[](auto& e) { e.evidencePayloadHash = std::string(258, 'c'); }, "evidencePayloadHash"},
-      {[](auto& e) { e.registryAddress = std::string(42, 'a'); }, "registryAddress"},
-      {[](auto& e) { e.koviId = "042"; }, "koviId"},
-      {[](auto& e) { e.windowIds = {}; }, "windowIds"},
-      {[](auto& e) { e.expectedRevisions = {0, 0}; }, "expectedRevisions"},
-      {[](auto& e) { e.measurementCutoffs = {1, 2, 3, 4}; }, "measurementCutoffs"},
-      {[](auto& e) { e.windowIds[1] = -1; }, "windowIds[1]"},
-      {[](auto& e) { e.expiresAt = e.issuedAt - 1; }, "expiresAt"},
-  };
   ASSERT_TRUE(threeDays().validate().has_value());
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.path);
-    auto envelope = threeDays();
-    c.change(envelope);
-    const auto valid = envelope.validate();
+  for (const auto& [change, path] : nlohmann::json::parse(testing::evidenceData("invalid-envelopes.json"))
+                                        .get<std::vector<std::pair<nlohmann::json, std::string>>>()) {
+    SCOPED_TRACE(change.dump());
+    auto document = nlohmann::json::parse(testing::evidenceData("envelope.json"));
+    document.merge_patch(change);
+    const auto envelope = JsonView(document).as<AttestedEvidenceEnvelope>();
+    ASSERT_TRUE(envelope.has_value()) << envelope.error().message();
+    const auto valid = envelope->validate();
     ASSERT_FALSE(valid.has_value());
-    EXPECT_EQ(valid.error().path, c.path);
+    EXPECT_EQ(valid.error().path, path);
   }
 }
 
