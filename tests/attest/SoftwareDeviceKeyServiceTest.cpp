@@ -5,12 +5,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <nlohmann/json.hpp>
+
 #include <string>
 
 #include "KoviKit/attest/P256Verification.h"
 #include "KoviKit/foundation/Base64.h"
 #include "KoviKit/foundation/FileIO.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestData.h"
 
 namespace kovi {
 namespace {
@@ -135,26 +138,22 @@ TEST_F(SoftwareDeviceKeyServiceTest, RefusesAKeyFileThatHoldsAnotherKey) {
 TEST_F(SoftwareDeviceKeyServiceTest, ADamagedMissingOrUsedUpCounterIsRefusedAndLeftAsItIs) {
   const std::string keyId = newKey();
   const fs::path counter = directory.path() / "Kovi/DeviceKeys/v1" / (keyId + ".counter");
-  const struct { std::optional<std::string> contents; const char* detail; } cases[] = {
-      {R"({"counter":)", "is corrupt"},
-      {R"({"counter":-1})", "is corrupt"},
-      {R"({"counter":4294967295})", "used up"},
-      {R"({"counter":7,"extra":1})", "unknown key"},
-      {std::nullopt, "cannot read"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.detail);
-    if (c.contents) {
-      ASSERT_TRUE(writeFileAtomically(counter, *c.contents));
+  // damaged-counters.json: counter file contents (null: no file) and what the refusal says.
+  for (const auto& row : nlohmann::json::parse(testing::testDataFile("attest", "damaged-counters.json"))) {
+    const auto contents = row[0].is_null() ? std::nullopt : std::optional(row[0].get<std::string>());
+    const std::string detail = row[1];
+    SCOPED_TRACE(row.dump());
+    if (contents) {
+      ASSERT_TRUE(writeFileAtomically(counter, *contents));
     } else {
       fs::remove(counter);
     }
     const auto assertion = keys.generateAssertion(keyId, clientDataHash);
     ASSERT_FALSE(assertion.has_value());
     EXPECT_EQ(assertion.error().code, "assertion_failed");
-    EXPECT_NE(assertion.error().detail.find(c.detail), std::string::npos) << assertion.error().detail;
-    if (c.contents) {
-      EXPECT_EQ(readFileLimited(counter, 100), *c.contents);
+    EXPECT_NE(assertion.error().detail.find(detail), std::string::npos) << assertion.error().detail;
+    if (contents) {
+      EXPECT_EQ(readFileLimited(counter, 100), *contents);
     }
   }
   // The last value a key can use is still usable.

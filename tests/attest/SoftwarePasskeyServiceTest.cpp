@@ -6,8 +6,6 @@
 #include "KoviKit/attest/P256Verification.h"
 #include "KoviKit/attest/SoftwarePasskeyService.h"
 #include "KoviKit/foundation/Base64.h"
-#include "KoviKit/foundation/FileIO.h"
-#include "KoviKit/foundation/Json.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace kovi {

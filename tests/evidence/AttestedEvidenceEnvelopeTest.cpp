@@ -24,54 +24,33 @@ TEST(AttestedEvidenceEnvelopeTest, CanonicalTextIsWrittenFieldByFieldWithoutWhit
                            R"("challengeId":"challenge-1","challenge":)";
   const std::string tail = R"(,"evidencePayloadHash":")" + std::string(64, 'c') +
                            R"(","issuedAt":1700000000000,"expiresAt":1700000600000})";
-  const struct {
-    const char* name; std::string challenge; std::vector<std::int64_t> days, revisions, cutoffs; std::string expected;
-  } cases[] = {
-      {"three days", "c", {0, 1, 2}, {0, 2, 0}, {1000, 2000, 3000},
-       R"("c","windowIds":[0,1,2],"expectedRevisions":[0,2,0],"measurementCutoffs":[1000,2000,3000])"},
-      {"one day", "c", {5}, {1}, {-1}, R"("c","windowIds":[5],"expectedRevisions":[1],"measurementCutoffs":[-1])"},
-      {"quotes and backslashes", R"(say "hi" \ bye)", {0}, {0}, {7},
-       R"("say \"hi\" \\ bye","windowIds":[0],"expectedRevisions":[0],"measurementCutoffs":[7])"},
-      {"control characters and Turkish letters", "a\nb\x01ğ", {0}, {0}, {7},
-       "\"a\\nb\\u0001ğ\",\"windowIds\":[0],\"expectedRevisions\":[0],\"measurementCutoffs\":[7]"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+  // envelope-texts.json: challenges and day lists with the canonical text written between head and tail.
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("envelope-texts.json"))) {
+    SCOPED_TRACE(example["name"].get<std::string>());
     auto envelope = threeDays();
-    envelope.challenge = c.challenge;
-    envelope.windowIds = c.days;
-    envelope.expectedRevisions = c.revisions;
-    envelope.measurementCutoffs = c.cutoffs;
-    EXPECT_EQ(envelope.canonicalText(), head + c.expected + tail);
-    EXPECT_EQ(envelope.clientDataHash(), sha256(head + c.expected + tail));
+    envelope.challenge = example["challenge"].get<std::string>();
+    envelope.windowIds = example["days"].get<std::vector<std::int64_t>>();
+    envelope.expectedRevisions = example["revisions"].get<std::vector<std::int64_t>>();
+    envelope.measurementCutoffs = example["cutoffs"].get<std::vector<std::int64_t>>();
+    const std::string expected = head + example["expected"].get<std::string>() + tail;
+    EXPECT_EQ(envelope.canonicalText(), expected);
+    EXPECT_EQ(envelope.clientDataHash(), sha256(expected));
   }
 }
 
+// invalid-envelopes.json: changes to the three-day envelope that decode but do not validate, with the field named.
 TEST(AttestedEvidenceEnvelopeTest, ValidationNamesTheFieldTheServiceWouldRefuse) {
-  const struct {
-    void (*change)(AttestedEvidenceEnvelope&);
-    const char* path;
-  } cases[] = {
-      {[](auto& e) { e.protocolVersion = 1; }, "protocolVersion"},
-      {[](auto& e) { e.rulesHash = std::string(64, 'B'); }, "rulesHash"},
-      {[](auto& e) { e.rulesHash = std::string(63, 'b'); }, "rulesHash"},
-      {[](auto& e) { e.evidencePayloadHash = std::string(258, 'c'); }, "evidencePayloadHash"},
-      {[](auto& e) { e.registryAddress = std::string(42, 'a'); }, "registryAddress"},
-      {[](auto& e) { e.koviId = "042"; }, "koviId"},
-      {[](auto& e) { e.windowIds = {}; }, "windowIds"},
-      {[](auto& e) { e.expectedRevisions = {0, 0}; }, "expectedRevisions"},
-      {[](auto& e) { e.measurementCutoffs = {1, 2, 3, 4}; }, "measurementCutoffs"},
-      {[](auto& e) { e.windowIds[1] = -1; }, "windowIds[1]"},
-      {[](auto& e) { e.expiresAt = e.issuedAt - 1; }, "expiresAt"},
-  };
   ASSERT_TRUE(threeDays().validate().has_value());
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.path);
-    auto envelope = threeDays();
-    c.change(envelope);
-    const auto valid = envelope.validate();
+  for (const auto& [change, path] : nlohmann::json::parse(testing::evidenceData("invalid-envelopes.json"))
+                                        .get<std::vector<std::pair<nlohmann::json, std::string>>>()) {
+    SCOPED_TRACE(change.dump());
+    auto document = nlohmann::json::parse(testing::evidenceData("envelope.json"));
+    document.merge_patch(change);
+    const auto envelope = JsonView(document).as<AttestedEvidenceEnvelope>();
+    ASSERT_TRUE(envelope.has_value()) << envelope.error().message();
+    const auto valid = envelope->validate();
     ASSERT_FALSE(valid.has_value());
-    EXPECT_EQ(valid.error().path, c.path);
+    EXPECT_EQ(valid.error().path, path);
   }
 }
 

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include "KoviKit/evidence/HealthShareConsentStore.h"
 #include "KoviKit/foundation/FileIO.h"
+#include "tests/evidence/WalkingTestSupport.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace kovi {
@@ -53,24 +56,19 @@ TEST(HealthShareConsentStoreTest, TheEarlierSingleAccountFormServesUntilTheFirst
 }
 
 TEST(HealthShareConsentStoreTest, ADocumentThatDoesNotDecodeIsNeverOverwrittenSilently) {
-  const std::vector<std::pair<std::string, std::string>> documents{
-      {"{\"version\": 1, \"accounts\": {\"a\": {\"requestedAccess\": \"yes\", \"autoShare\": true}}}",
-       "accounts.a.requestedAccess"},
-      {"{\"version\": 1, \"accounts\": {\"a\": {}, \"a\": {}}}", "accounts.a: duplicate key"},
-      {"{\"version\": 2, \"accounts\": {}}", "version 2 is not supported"},
-      {"{\"version\": 1, \"accounts\": {}, \"extra\": 1}", "extra: unknown key"},
-      {"{\"requestedAccess\": true, \"autoShare\": 3}", "autoShare"},
-      {"[1, 2", "not valid JSON"},
-  };
+  // damaged-consents.json: documents that do not decode, with the reason the load gives.
+  using Damaged = std::pair<std::string, std::string>;
+  const auto documents = nlohmann::json::parse(testing::evidenceData("damaged-consents.json")).get<std::vector<Damaged>>();
   for (const auto& [document, reason] : documents) {
+    SCOPED_TRACE(document);
     const testing::TemporaryDirectory directory;
     const auto file = directory.write("consent.json", document);
     HealthShareConsentStore store(file);
-    EXPECT_TRUE(store.unreadable()) << document;
-    EXPECT_FALSE(store.loadFailed()) << document;
+    EXPECT_TRUE(store.unreadable());
+    EXPECT_FALSE(store.loadFailed());
     EXPECT_NE(store.loadError().value_or("").find(reason), std::string::npos) << store.loadError().value_or("");
     const auto refused = store.setAutoShare("acct-ayse", true);
-    ASSERT_FALSE(refused.has_value()) << document;
+    ASSERT_FALSE(refused.has_value());
     EXPECT_EQ(refused.error().kind, HealthShareConsentError::Kind::notLoaded);
     EXPECT_EQ(contents(file), document);
 

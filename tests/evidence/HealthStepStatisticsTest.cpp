@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <numeric>
+#include <algorithm>
 
 #include "KoviKit/evidence/HealthStepStatistics.h"
 #include "KoviKit/evidence/WalkingDayWindowPlanner.h"

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include "KoviKit/foundation/FileIO.h"
+#include "tests/evidence/WalkingTestSupport.h"
 #include "tests/support/TemporaryDirectory.h"
 
 namespace kovi {
@@ -82,24 +85,20 @@ TEST_F(V6EvidencePendingStoreTest, TheSameRecordAgainIsAResendAnotherIsAConflict
 
 TEST_F(V6EvidencePendingStoreTest, ACorruptFileIsReportedByNameAndNeverOverwritten) {
   const auto path = store.pathFor("owner", "kovi");
-  const struct { const char* contents; const char* reason; } cases[] = {
-      {"{\"protocolGeneration\":", "not valid JSON"},
-      {R"({"protocolGeneration":"v6","protocolGeneration":"v6"})", "duplicate key"},
-      {R"({"protocolGeneration":"v5","ownerID":"owner","deviceKeyID":"k","operation":{}})", "unknown generation"},
-      {R"({"protocolGeneration":"v6","ownerID":"owner","deviceKeyID":"k","operation":{"upload":{"_0":{}}}})",
-       "expected \"submission\" or \"transfer\""},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.contents);
-    ASSERT_TRUE(writeFileAtomically(path, c.contents));
+  // damaged-pending.json: file contents and the reason the listing gives.
+  using Damaged = std::pair<std::string, std::string>;
+  for (const auto& [contents, reason] :
+       nlohmann::json::parse(testing::evidenceData("damaged-pending.json")).get<std::vector<Damaged>>()) {
+    SCOPED_TRACE(contents);
+    ASSERT_TRUE(writeFileAtomically(path, contents));
     const auto listing = store.pending("owner");
     ASSERT_EQ(listing.corrupt.size(), 1u);
     EXPECT_NE(listing.corrupt[0].detail.find(path.filename().string()), std::string::npos);
-    EXPECT_NE(listing.corrupt[0].detail.find(c.reason), std::string::npos) << listing.corrupt[0].detail;
+    EXPECT_NE(listing.corrupt[0].detail.find(reason), std::string::npos) << listing.corrupt[0].detail;
     const auto saved = store.save(record("owner", "kovi", "req-1"));
     ASSERT_FALSE(saved.has_value());
     EXPECT_EQ(saved.error().failure, Store::Failure::corrupt);
-    EXPECT_EQ(readFileLimited(path, 4096), c.contents);
+    EXPECT_EQ(readFileLimited(path, 4096), contents);
   }
 }
 

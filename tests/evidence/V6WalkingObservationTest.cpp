@@ -7,6 +7,7 @@
 #include "KoviKit/evidence/V6WalkingObservation.h"
 #include "KoviKit/evidence/V6WalkingReceipt.h"
 #include "WalkingTestSupport.h"
+#include "tests/support/Refusal.h"
 
 namespace kovi {
 namespace {
@@ -69,14 +70,14 @@ TEST(V6WalkingObservation, PayloadNamesTheCutoffClosedThroughAndTheWireFormMeasu
             observation);
 }
 
+// wire-records.json: step texts of a bucket with whether they are accepted, and
+// receipts refused with the error naming the key path.
+const nlohmann::json kWire = nlohmann::json::parse(testing::evidenceData("wire-records.json"));
+
 TEST(V6WalkingObservation, StepsOnTheWireAreWholeNonNegativeDecimals) {
-  struct Case { std::string_view steps; bool accepted; };
-  for (const Case& example : {Case{R"("0")", true}, Case{R"("9223372036854775807")", true},
-                              Case{R"("9223372036854775808")", false}, Case{R"("01")", false}, Case{R"("-1")", false},
-                              Case{R"("1.5")", false}, Case{R"("")", false}, Case{"1200", false}}) {
-    SCOPED_TRACE(example.steps);
-    const std::string text = R"({"start":0,"end":900000,"steps":)" + std::string(example.steps) + "}";
-    EXPECT_EQ(decodeJsonText<V6WalkingBucket>(text).has_value(), example.accepted);
+  for (const auto& [steps, accepted] : kWire["bucketSteps"].get<std::vector<std::pair<std::string, bool>>>()) {
+    const std::string text = R"({"start":0,"end":900000,"steps":)" + steps + "}";
+    EXPECT_EQ(decodeJsonText<V6WalkingBucket>(text).has_value(), accepted) << text;
   }
 }
 
@@ -92,17 +93,8 @@ TEST(V6WalkingContext, DecodesTheServersRecordAndIgnoresNewKeys) {
 }
 
 TEST(V6WalkingReceipt, RefusesABrokenReceiptWithTheKeyPath) {
-  struct Case { std::string_view text; std::string_view error; };
-  for (const Case& example : {
-           Case{R"({"requestId":"r","writerEpoch":1,"deviceKeyId":"k","accepted":[{"day":0,"revision":"2",)"
-                R"("payloadHash":"ff"}]})",
-                "accepted[0].revision: expected an integer, found a string"},
-           Case{R"({"requestId":"r","writerEpoch":1,"accepted":[]})", "deviceKeyId: missing key"},
-       }) {
-    SCOPED_TRACE(example.text);
-    const auto receipt = decodeJsonText<V6WalkingReceipt>(example.text);
-    ASSERT_FALSE(receipt.has_value());
-    EXPECT_EQ(receipt.error().message(), example.error);
+  for (const auto& [text, error] : kWire["refusedReceipts"].get<std::vector<std::pair<std::string, std::string>>>()) {
+    EXPECT_EQ(testing::refusalOf(decodeJsonText<V6WalkingReceipt>(text)), error) << text;
   }
 }
 

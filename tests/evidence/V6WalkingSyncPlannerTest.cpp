@@ -146,14 +146,11 @@ TEST_F(V6WalkingSyncPlannerTest, RefusesAContextThatDoesNotVerify) {
 
 TEST(V6WalkingWriterDecision, SignsOnlyAsTheWriter) {
   const std::vector<std::string> replaced{"key-old-1", "key-old-2"};
-  struct Case { std::optional<std::string> writer; Planner::WriterDecision decision; };
-  for (const Case& example : {Case{std::nullopt, Planner::WriterDecision::sign},
-                              Case{"key-now", Planner::WriterDecision::sign},
-                              Case{"key-old-2", Planner::WriterDecision::transferFromOwnReplacedKey},
-                              Case{"key-phone", Planner::WriterDecision::otherDevice},
-                              Case{"KEY-NOW", Planner::WriterDecision::otherDevice}}) {
-    SCOPED_TRACE(example.writer.value_or("none"));
-    EXPECT_EQ(Planner::writerDecision(example.writer, "key-now", replaced), example.decision);
+  // writer-decisions.json: the writer the service names (null: none) and the decision for key-now.
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("writer-decisions.json"))) {
+    SCOPED_TRACE(example.dump());
+    const auto writer = example[0].is_null() ? std::nullopt : std::optional(example[0].get<std::string>());
+    EXPECT_EQ(enumName(Planner::writerDecision(writer, "key-now", replaced)), example[1].get<std::string>());
   }
 }
 

@@ -37,17 +37,15 @@ TEST(WalkingDayWindowPlanner, CutsTheDaysTheRulesDescribe) {
 }
 
 TEST(WalkingDayWindowPlanner, RefusesRulesThatCannotYieldWindows) {
-  struct Case { int days; std::string zone; std::string reason; };
-  for (const Case& example : {Case{0, "Europe/Berlin", "durationDays must be at least 1"},
-                              Case{3661, "Europe/Berlin", "durationDays must be at most 3660"},
-                              Case{3, "Europe/Atlantis", "unknown time zone \"Europe/Atlantis\""}}) {
-    SCOPED_TRACE(example.reason);
-    WalkingKoviRules rules = testing::dailyGoal(example.days, 10000);
+  // unplannable-rules.json: the days and time zone of a calendar daily goal, and why no windows can be cut.
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("unplannable-rules.json"))) {
+    SCOPED_TRACE(example.dump());
+    WalkingKoviRules rules = testing::dailyGoal(example[0], 10000);
     rules.dayBoundary = Boundary::calendar;
-    rules.timezone = example.zone;
+    rules.timezone = example[1];
     const auto windows = WalkingDayWindowPlanner::plan(rules, at("2026-05-04T12:00:00Z"));
     ASSERT_FALSE(windows.has_value());
-    EXPECT_EQ(windows.error(), example.reason);
+    EXPECT_EQ(windows.error(), example[2].get<std::string>());
   }
 }
 

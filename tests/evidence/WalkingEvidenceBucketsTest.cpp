@@ -49,49 +49,35 @@ auto sanitize(const std::vector<HealthEvidenceBucket>& buckets, UnixMillis cutof
   return WalkingEvidenceBuckets::sanitize(kDay, HealthEvidenceReadOutcome::measured, buckets, cutoff);
 }
 
+// A step count of sanitized-days.json: a number, or "nan" / "inf" where JSON has none.
+double stepsOf(const nlohmann::json& steps) {
+  return steps.is_string() ? std::stod(steps.get<std::string>()) : steps.get<double>();
+}
+
+// sanitized-days.json: buckets read for the day, as [cell, steps, provisional]
+// or by their edges in milliseconds, with the cutoff (default: the day is
+// over) and the buckets kept with the day's totals.
 TEST(WalkingBucketSanitizer, KeepsTheBucketsOfTheDay) {
-  struct Case {
-    std::string name;
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("sanitized-days.json"))) {
+    SCOPED_TRACE(example["name"].get<std::string>());
     std::vector<HealthEvidenceBucket> buckets;
-    UnixMillis cutoff;
-    std::vector<std::tuple<int, double, bool>> kept;  // (cell, steps, provisional)
-    double closedTotal;
-    double total;
-  };
-  const std::vector<Case> cases{
-      {"sortsByStart", {cell(3, 30), cell(1, 10), cell(2, 20)}, kDayOver,
-       {{1, 10, false}, {2, 20, false}, {3, 30, false}}, 60, 60},
-      {"dropsBucketsOfNeighbourDays", {cell(-1, 5), cell(0, 7), cell(95, 9), cell(96, 11)}, kDayOver,
-       {{0, 7, false}, {95, 9, false}}, 16, 16},
-      {"snapsEdgesWithinTolerance", {{Date::fromUnixMillis(0.0004), Date::fromUnixMillis(899999.9999), 12, false}},
-       kDayOver, {{0, 12, false}}, 12, 12},
-      {"keepsFractionalCounts", {cell(0, 10.75), cell(1, 0.5)}, kDayOver, {{0, 10.75, false}, {1, 0.5, false}}, 11.25,
-       11.25},
-      {"dropsImpossibleCounts",
-       {cell(0, -3), cell(1, std::nan("")), cell(2, kInfinity), cell(3, 9007199254740992.0), cell(4, 40)}, kDayOver,
-       {{4, 40, false}}, 40, 40},
-      {"duplicateKeepsTheLargerCount", {cell(5, 100), cell(5, 140), cell(5, 120)}, kDayOver, {{5, 140, false}}, 140,
-       140},
-      {"duplicateKeepsClosedOverProvisional", {cell(5, 300, true), cell(5, 100)}, kDayOver, {{5, 100, false}}, 100,
-       100},
-      // The cutoff falls inside cell 2: its bucket and later ones are still open.
-      {"bucketsEndingAfterCutoffAreProvisional", {cell(0, 10), cell(1, 20), cell(2, 30), cell(3, 40)},
-       2 * kBucket + 5 * testing::kMinute, {{0, 10, false}, {1, 20, false}, {2, 30, true}, {3, 40, true}}, 30, 100},
-      {"readersProvisionalFlagIsKept", {cell(0, 10, true)}, kDayOver, {{0, 10, true}}, 0, 10},
-  };
-  for (const Case& example : cases) {
-    SCOPED_TRACE(example.name);
-    const auto day = sanitize(example.buckets, example.cutoff);
+    for (const auto& read : example["buckets"]) {
+      buckets.push_back(read.is_object() ? HealthEvidenceBucket{Date::fromUnixMillis(read["from"].get<double>()),
+                                                                Date::fromUnixMillis(read["to"].get<double>()),
+                                                                read["steps"].get<double>(), false}
+                                         : cell(read[0], stepsOf(read[1]), read.size() > 2 && read[2].get<bool>()));
+    }
+    const auto day = sanitize(buckets, example.value("cutoff", kDayOver));
     ASSERT_TRUE(day.has_value()) << day.error().detail;
-    std::vector<std::tuple<int, double, bool>> kept;
+    nlohmann::json kept = nlohmann::json::array();
     for (const auto& bucket : day->buckets) {
-      kept.emplace_back(static_cast<int>(bucket.start.unixMillis() / kBucket), bucket.amount, bucket.provisional);
+      kept.push_back({bucket.start.unixMillis() / kBucket, bucket.amount, bucket.provisional});
       EXPECT_EQ(bucket.end.unixMillis() - bucket.start.unixMillis(), kBucket);
     }
-    EXPECT_EQ(kept, example.kept);
-    EXPECT_EQ(day->closedTotal, example.closedTotal);
-    EXPECT_EQ(day->total, example.total);
-    EXPECT_EQ(day->provisional, std::ranges::any_of(example.kept, [](const auto& k) { return std::get<2>(k); }));
+    EXPECT_EQ(kept, example["kept"]);
+    EXPECT_EQ(day->closedTotal, example["closedTotal"].get<double>());
+    EXPECT_EQ(day->total, example["total"].get<double>());
+    EXPECT_EQ(day->provisional, std::ranges::any_of(kept, [](const auto& k) { return k[2].template get<bool>(); }));
   }
 }
 

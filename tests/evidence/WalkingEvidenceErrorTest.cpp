@@ -11,14 +11,11 @@ namespace kovi {
 namespace {
 
 TEST(V6EvidenceErrorTable, MapsEachCodeOnceToATurkishMessageAndFallsBack) {
-  struct Case { std::string_view code; std::string_view message; };
-  for (const Case& example : {
-           Case{"walking_health_sharing_disabled", "Bu hesap için Sağlık erişimini ve paylaşımı açıp tekrar dene."},
-           Case{"challenge_consumed", "Cihaz doğrulaması yenilendi. İşlemi yeniden dene."},
-           Case{"walking_evidence_unheard_of", "Şu anda tamamlanamadı. Yenileyip tekrar dene."},
-       }) {
-    SCOPED_TRACE(example.code);
-    EXPECT_EQ((WalkingEvidenceError{std::string(example.code), "detail"}.message()), example.message);
+  // error-messages.json: codes with the message shown for them; an unknown code gets the general one.
+  using Row = std::pair<std::string, std::string>;
+  for (const auto& [code, message] :
+       nlohmann::json::parse(testing::evidenceData("error-messages.json")).get<std::vector<Row>>()) {
+    EXPECT_EQ((WalkingEvidenceError{code, "detail"}.message()), message) << code;
   }
   EXPECT_EQ(v6EvidenceErrorTable().area, "v6/evidence");
   std::set<std::string_view> codes;

@@ -34,26 +34,20 @@ TEST(WalkingEvidenceSchedule, PlacesTheKoviInItsLaneAndShowsTheUpload) {
 }
 
 TEST(WalkingEvidenceBackoff, DoublesTransientWaitsAndWaitsFixedTimesForTheRest) {
-  using Failure = WalkingEvidenceFailure;
-  struct Step { Failure failure; int failures; UnixMillis wait; };
-  // One sequence of failures from a clean state, each at `now`.
-  const std::vector<Step> steps{
-      {Failure::transient, 1, 1 * kMinute},       {Failure::transient, 2, 2 * kMinute},
-      {Failure::noData, 2, 15 * kMinute},         {Failure::transient, 3, 4 * kMinute},
-      {Failure::transient, 4, 8 * kMinute},       {Failure::transient, 5, 16 * kMinute},
-      {Failure::transient, 6, 32 * kMinute},      {Failure::transient, 7, 60 * kMinute},
-      {Failure::transient, 8, 60 * kMinute},      {Failure::attestation, 8, 5 * kMinute},
-      {Failure::rejected, 8, 1 * kMinute},        {Failure::attestationUnsupported, 8, 24 * kHour},
-  };
+  // backoff-steps.json: one sequence of failures from a clean state, each at `now`, with the failure count
+  // and the wait after it.
   const UnixMillis now = at("2026-05-04T12:00:00Z");
   WalkingEvidenceBackoff backoff;
   EXPECT_TRUE(backoff.allowsAttempt(now));
-  for (std::size_t index = 0; index < steps.size(); ++index) {
-    SCOPED_TRACE(index);
-    backoff = backoff.afterFailure(steps[index].failure, now);
-    EXPECT_EQ(backoff, (WalkingEvidenceBackoff{steps[index].failures, now + steps[index].wait}));
-    EXPECT_FALSE(backoff.allowsAttempt(now + steps[index].wait - 1));
-    EXPECT_TRUE(backoff.allowsAttempt(now + steps[index].wait));
+  for (const auto& step : nlohmann::json::parse(testing::evidenceData("backoff-steps.json"))) {
+    SCOPED_TRACE(step.dump());
+    const auto failure = enumFromName<WalkingEvidenceFailure>(step[0].get<std::string>());
+    ASSERT_TRUE(failure.has_value());
+    const UnixMillis wait = step[2];
+    backoff = backoff.afterFailure(*failure, now);
+    EXPECT_EQ(backoff, (WalkingEvidenceBackoff{step[1], now + wait}));
+    EXPECT_FALSE(backoff.allowsAttempt(now + wait - 1));
+    EXPECT_TRUE(backoff.allowsAttempt(now + wait));
   }
   EXPECT_EQ(WalkingEvidenceBackoff::afterSuccess(), WalkingEvidenceBackoff{});
 }
@@ -61,19 +55,18 @@ TEST(WalkingEvidenceBackoff, DoublesTransientWaitsAndWaitsFixedTimesForTheRest) 
 TEST(WalkingEvidenceBackoffStoreTest, OnlyTransientFailuresAreStoredAndTheyCountAcrossRuns) {
   const testing::TemporaryDirectory directory;
   const UnixMillis now = at("2026-05-04T08:00:00Z");
-  const struct { WalkingEvidenceFailure failure; WalkingEvidenceBackoff stored; } steps[] = {
-      {WalkingEvidenceFailure::rejected, {}},
-      {WalkingEvidenceFailure::transient, {1, now + kMinute}},
-      {WalkingEvidenceFailure::noData, {1, now + kMinute}},
-      {WalkingEvidenceFailure::attestation, {1, now + kMinute}},
-      {WalkingEvidenceFailure::transient, {2, now + 2 * kMinute}},
-  };
-  for (const auto& step : steps) {
-    SCOPED_TRACE(enumName(step.failure));
+  // stored-backoffs.json: failures one after another, each with the failure count and the minutes to wait
+  // (null: nothing stored) that the store keeps after it.
+  for (const auto& step : nlohmann::json::parse(testing::evidenceData("stored-backoffs.json"))) {
+    SCOPED_TRACE(step.dump());
+    const auto failure = enumFromName<WalkingEvidenceFailure>(step[0].get<std::string>());
+    ASSERT_TRUE(failure.has_value());
+    const WalkingEvidenceBackoff stored{
+        step[1], step[2].is_null() ? std::nullopt : std::optional(now + step[2].get<UnixMillis>() * kMinute)};
     // A store of its own each time: what counts is on disk.
     WalkingEvidenceBackoffStore store(directory.path());
-    EXPECT_EQ(store.recordFailure("actor-1", step.failure, now), step.stored);
-    EXPECT_EQ(WalkingEvidenceBackoffStore(directory.path()).load("actor-1"), step.stored);
+    EXPECT_EQ(store.recordFailure("actor-1", *failure, now), stored);
+    EXPECT_EQ(WalkingEvidenceBackoffStore(directory.path()).load("actor-1"), stored);
   }
   WalkingEvidenceBackoffStore store(directory.path());
   EXPECT_EQ(store.load("actor-2"), WalkingEvidenceBackoff{}) << "owners are kept apart";
@@ -104,45 +97,37 @@ class WalkingProgressSummaryTest : public ::testing::Test {
 };
 
 TEST_F(WalkingProgressSummaryTest, ShowsTodaysStepsForADailyGoalAndTheSumOtherwise) {
-  struct Case {
-    std::string name; bool daily; std::vector<std::pair<int, double>> totals; UnixMillis now;
-    std::optional<double> steps; std::optional<UnixMillis> dayEndsAt; bool waits;
+  // progress-summaries.json: the goal (daily or total), the day totals read, `now`, and what the summary shows.
+  const auto optionalAt = [](const nlohmann::json& iso) {
+    return iso.is_null() ? std::nullopt : std::optional(at(iso.get<std::string>()));
   };
-  const std::vector<Case> cases{
-      {"beforeTheFirstMidnight", true, {}, at("2026-05-04T23:55:00+03:00"), {}, {}, true},
-      {"dailyToday", true, {{0, 9000}, {1, 4200}}, at("2026-05-06T10:00:00+03:00"), 4200,
-       at("2026-05-07T00:00:00+03:00"), false},
-      {"dailyTodayNotReadYet", true, {{0, 9000}}, at("2026-05-06T10:00:00+03:00"), {},
-       at("2026-05-07T00:00:00+03:00"), false},
-      {"totalSoFar", false, {{0, 9000}, {1, 4200}}, at("2026-05-06T10:00:00+03:00"), 13200,
-       at("2026-05-07T00:00:00+03:00"), false},
-      {"afterTheLastDay", false, {{0, 1}, {1, 2}, {2, 3}}, at("2026-05-09T10:00:00+03:00"), 6, {}, false},
-  };
-  for (const Case& example : cases) {
-    SCOPED_TRACE(example.name);
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("progress-summaries.json"))) {
+    SCOPED_TRACE(example["name"].get<std::string>());
     WalkingKoviRules rules = rules_;
-    if (!example.daily) rules.goalMode = WalkingKoviRules::GoalMode::total;
-    const auto summary =
-        WalkingProgressSummary::summarize(rules, start_, windows_, evaluationWith(example.totals), example.now);
+    if (!example["daily"]) rules.goalMode = WalkingKoviRules::GoalMode::total;
+    const auto summary = WalkingProgressSummary::summarize(
+        rules, start_, windows_, evaluationWith(example["totals"]), at(example["now"].get<std::string>()));
+    const auto steps = example["steps"].is_null() ? std::nullopt : std::optional(example["steps"].get<double>());
     EXPECT_EQ(std::tuple(summary.steps, summary.target, summary.isDaily, summary.dayEndsAt, summary.waitsForFirstDay,
                          summary.needsDayRefresh),
-              std::tuple(example.steps, 8000, example.daily, example.dayEndsAt, example.waits, false));
+              std::tuple(steps, 8000, example["daily"].get<bool>(), optionalAt(example["dayEndsAt"]),
+                         example["waits"].get<bool>(), false));
   }
 }
 
 TEST_F(WalkingProgressSummaryTest, StoredProgressOfAnEarlierDayNeedsARefresh) {
   const UnixMillis now = at("2026-05-06T10:00:00+03:00");
-  struct Case { std::string name; WalkingProgressSummary::Stored stored; bool refresh; };
-  for (const Case& example : {
-           Case{"storedThisMorning", {at("2026-05-06T08:00:00+03:00"), at("2026-05-07T00:00:00+03:00")}, false},
-           Case{"storedYesterday", {at("2026-05-05T22:00:00+03:00"), at("2026-05-06T00:00:00+03:00")}, true},
-           Case{"storedYesterdayWithoutDayEnd", {at("2026-05-05T22:00:00+03:00"), {}}, true},
-           Case{"storedDayEndedJustNow", {at("2026-05-06T08:00:00+03:00"), now}, true},
-       }) {
-    SCOPED_TRACE(example.name);
-    EXPECT_EQ(WalkingProgressSummary::needsRefresh(example.stored, windows_, now), example.refresh);
-    EXPECT_EQ(WalkingProgressSummary::summarize(rules_, start_, windows_, {}, now, example.stored).needsDayRefresh,
-              example.refresh);
+  // stored-progress.json: when progress was stored, the end of the day it was stored in (null: unknown),
+  // and whether it needs a refresh at `now`.
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("stored-progress.json"))) {
+    SCOPED_TRACE(example.dump());
+    const WalkingProgressSummary::Stored stored{
+        at(example[0].get<std::string>()),
+        example[1].is_null() ? std::nullopt : std::optional(at(example[1].get<std::string>()))};
+    const bool refresh = example[2];
+    EXPECT_EQ(WalkingProgressSummary::needsRefresh(stored, windows_, now), refresh);
+    EXPECT_EQ(WalkingProgressSummary::summarize(rules_, start_, windows_, {}, now, stored).needsDayRefresh,
+              refresh);
   }
 }
 

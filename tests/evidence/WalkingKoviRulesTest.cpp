@@ -12,14 +12,6 @@
 namespace kovi {
 namespace {
 
-// race-rules.json has its keys shuffled and spaced: the canonical form must not care.
-const std::string kRaceRules = testing::evidenceData("race-rules.json");
-
-constexpr std::string_view kRaceCanonical =
-    R"({"mode":"race","raceMode":"highestTotal","durationDays":7,"minimumEligibility":50000,)"
-    R"("failurePolicy":"closestWins","exitPenaltyBps":2500,"payoutRule":"ranked","rankPayoutsBps":[6000,3000,1000],)"
-    R"("verificationWindowHours":24,"dayBoundary":"calendar","timezone":"Europe/Istanbul","firstDay":"midnight"})";
-
 // Absent optionals are left out, an empty array stays, fixed windows follow `timezone`'s slot.
 constexpr std::string_view kDailyRules =
     R"({"mode":"goal","goalMode":"daily","durationDays":3,"stepTarget":8000,"exitPenaltyBps":0,)"
@@ -28,24 +20,17 @@ constexpr std::string_view kDailyRules =
 
 constexpr std::string_view kDailyHash = "5bf18c943abca9a178309d686099eead2b268f5d3ee7a81b206959ca324a7e64";
 
-struct CanonicalCase {
-  std::string_view name;
-  std::string_view input;
-  std::string_view canonical;
-  std::string_view hash;  // sha256sum of the canonical text, computed outside Kovi
-};
-
+// canonical-rules.json: rules (from their own file, else the canonical text itself), their canonical text, and
+// its sha256sum computed outside Kovi. The canonical form must not care about key order or spacing.
 TEST(WalkingRulesCanonical, WritesDeclaredOrderWithoutWhitespaceAndHashesIt) {
-  for (const CanonicalCase& example :
-       {CanonicalCase{"race", kRaceRules, kRaceCanonical,
-                      "c6c7b868aac70e2d099ca8db98f400a580209582daef845a5599aa6b80640dc1"},
-        CanonicalCase{"daily", kDailyRules, kDailyRules,
-                      kDailyHash}}) {
-    SCOPED_TRACE(example.name);
-    const auto rules = decodeJsonText<WalkingKoviRules>(example.input);
+  for (const auto& example : nlohmann::json::parse(testing::evidenceData("canonical-rules.json"))) {
+    SCOPED_TRACE(example["name"].get<std::string>());
+    const std::string canonical = example["canonical"];
+    const auto rules = decodeJsonText<WalkingKoviRules>(
+        example.contains("input") ? testing::evidenceData(example["input"].get<std::string>()) : canonical);
     ASSERT_TRUE(rules.has_value()) << rules.error().message();
-    EXPECT_EQ(rules->canonicalJson(), example.canonical);
-    EXPECT_EQ(rules->rulesHash(), example.hash);
+    EXPECT_EQ(rules->canonicalJson(), canonical);
+    EXPECT_EQ(rules->rulesHash(), example["hash"].get<std::string>());
     // The canonical text decodes back to the same rules.
     EXPECT_EQ(decodeJsonText<WalkingKoviRules>(rules->canonicalJson()), rules);
   }

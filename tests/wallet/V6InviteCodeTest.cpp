@@ -1,39 +1,33 @@
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include <optional>
 #include <string>
 
 #include "KoviKit/wallet/V6InviteCode.h"
 #include "KoviKit/wallet/V6InviteLink.h"
 #include "tests/support/Refusal.h"
+#include "tests/support/TestData.h"
 
 namespace kovi {
 namespace {
 
+// invite-texts.json: texts with the code found in them (null: none), invite
+// bodies with their validity, texts with the invite they are recognised as,
+// and kovi references with their validity.
+const nlohmann::json kTexts = nlohmann::json::parse(testing::testDataFile("wallet", "invite-texts.json"));
+
+// A code glued to a letter, digit, hyphen, underscore or percent escape is no
+// code; only ASCII letters fold.
 TEST(V6InviteCode, FindsOnlyFreeStandingCodes) {
-  const std::string code = "KOVI-ABCD-EFGH";
-  const struct {
-    std::string text;
-    std::optional<std::string> code;  // the written form found, if any
-  } cases[] = {
-      {"KOVI-ABCD-EFGH", code}, {"Katıl: KOVIABCDEFGH ile gel!", code}, {"kod KOVIABCD-EFGH burada", code},
-      {"Bu akşam (KOVI-7Q2M-XRP4), gelir misin?", "KOVI-7Q2M-XRP4"}, {"kovi-abcd-efgh", code},
-      {"https://kovi.app/j?code=KOVI-ABCD-EFGH&x=1", code},
-      {"çKOVI-ABCD-EFGH", code}, {"XKOVI-AAAA-BBBB ve KOVI-CCCC-DDDD", "KOVI-CCCC-DDDD"},
-      // Glued to a letter, digit, hyphen, underscore or percent escape, it is no code.
-      {"XKOVI-ABCD-EFGH", std::nullopt}, {"KOVI-ABCD-EFGH2", std::nullopt}, {"KOVI-ABCD-EFGH-", std::nullopt},
-      {"-KOVI-ABCD-EFGH", std::nullopt}, {"ref_KOVI-ABCD-EFGH", std::nullopt},
-      {"https://kovi.app/j?c=%20KOVI-ABCD-EFGH", std::nullopt},
-      {"KOVI-ABCD-EFGH%20", std::nullopt}, {"KOVI-AB0D-EFGH", std::nullopt}, {"KOVI-OBCD-EFGH", std::nullopt},
-      {"KOVI--ABCD-EFGH", std::nullopt}, {"KOVI-ABCD-EFG", std::nullopt},
-      // An invalid UTF-8 byte elsewhere does not hide a code; only ASCII letters fold.
-      {std::string("\xff kod: KOVI-ABCD-EFGH \xc3"), code}, {"kovi-abcd-efgſ", std::nullopt},
-      {"kovi-abcd-efﬀ", std::nullopt},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(V6InviteCode::find(c.text).transform(&V6InviteCode::written), c.code);
+  for (const auto& row : kTexts["found"]) {
+    SCOPED_TRACE(row.dump());
+    EXPECT_EQ(V6InviteCode::find(row[0].get<std::string>()).transform(&V6InviteCode::written),
+              row[1].is_null() ? std::nullopt : std::optional(row[1].get<std::string>()));
   }
+  // An invalid UTF-8 byte elsewhere does not hide a code.
+  EXPECT_EQ(V6InviteCode::find("\xff kod: KOVI-ABCD-EFGH \xc3").transform(&V6InviteCode::written), "KOVI-ABCD-EFGH");
 }
 
 TEST(V6InviteCode, AlphabetHasThirtyTwoUnambiguousSymbols) {
@@ -41,48 +35,26 @@ TEST(V6InviteCode, AlphabetHasThirtyTwoUnambiguousSymbols) {
   for (const char ambiguous : {'0', '1', 'I', 'O'}) {
     EXPECT_EQ(V6InviteCode::kAlphabet.find(ambiguous), std::string_view::npos) << ambiguous;
   }
-  struct Case {
-    std::string_view body;
-    bool valid;
-  };
-  for (const Case& example : {Case{"ABCDEFGH", true}, Case{"23456789", true}, Case{"ZZZZZZZZ", true},
-                              Case{"ABCDEFG", false}, Case{"ABCDEFGHJ", false}, Case{"ABCDEFG0", false},
-                              Case{"abcdefgh", false}, Case{"ABCD-EFG", false}}) {
-    SCOPED_TRACE(example.body);
-    EXPECT_EQ(V6InviteCode::isBody(example.body), example.valid);
-  }
+  for (const auto& row : kTexts["bodies"]) EXPECT_EQ(V6InviteCode::isBody(row[0].get<std::string>()), row[1]) << row;
 }
 
 TEST(V6InviteCode, RecognisesACodeThenAKoviReferenceOrSaysWhy) {
-  const struct {
-    std::string text;
-    std::optional<V6InviteTarget> target;  // none: not recognised
-  } cases[] = {
-      {"davet: KOVI-ABCD-EFGH", V6InviteCode{"ABCDEFGH"}},
-      {"  KOVI-2026-0501-WALK  ", std::string("KOVI-2026-0501-WALK")},
-      {"https://kovi.app/k/KOVI-2026-0501-WALK/?utm=x", std::string("KOVI-2026-0501-WALK")},
-      {"KOVI-ABC", std::nullopt}, {"kovi-2026-0501-walk", std::nullopt}, {"https://kovi.app/", std::nullopt},
-      {"merhaba", std::nullopt},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    const auto target = recognizeInvite(c.text);
-    ASSERT_EQ(target.has_value(), c.target.has_value());
-    if (target) {
-      EXPECT_EQ(*target, *c.target);
-    } else {
+  for (const auto& row : kTexts["recognised"]) {
+    SCOPED_TRACE(row.dump());
+    const auto target = recognizeInvite(row[0].get<std::string>());
+    ASSERT_EQ(target.has_value(), !row[1].is_null());
+    if (!target) {
       EXPECT_EQ(target.error().message(), "Bu kovi bağlantısı tanınmadı. Kodu ya da bağlantıyı kontrol et.");
+    } else if (row[1] == "code") {
+      EXPECT_EQ(*target, V6InviteTarget(V6InviteCode{row[2].get<std::string>()}));
+    } else {
+      EXPECT_EQ(*target, V6InviteTarget(row[2].get<std::string>()));
     }
   }
 }
 
 TEST(V6InviteCode, KoviReferencesAreFourToOneHundredTwentySymbols) {
-  EXPECT_TRUE(isKoviReference("KOVI-ABCD"));
-  EXPECT_TRUE(isKoviReference("KOVI-" + std::string(120, '9')));
-  EXPECT_FALSE(isKoviReference("KOVI-" + std::string(121, '9')));
-  EXPECT_FALSE(isKoviReference("KOVI-ABC"));
-  EXPECT_FALSE(isKoviReference("KOVI-AB_D"));
-  EXPECT_FALSE(isKoviReference("KOVIABCD"));
+  for (const auto& row : kTexts["references"]) EXPECT_EQ(isKoviReference(row[0].get<std::string>()), row[1]) << row;
 }
 
 TEST(V6InviteLink, DecodesTheIssuedLinkAndItsCode) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -7,6 +9,7 @@
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/wallet/V6WalletOperationStore.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestData.h"
 
 namespace kovi {
 namespace {
@@ -45,34 +48,24 @@ TEST(V6WalletOperationStoreTest, KeepsEachMembersLastOperationInItsOwnFile) {
 
 // A damaged or newer file is reported with its path and never overwritten.
 TEST(V6WalletOperationStoreTest, ReportsADamagedFileAndNeverOverwritesIt) {
-  const struct {
-    std::string contents;
-    Error::Kind kind;
-    std::string detail;
-  } cases[] = {
-      {R"({"version":1,"operation":{"requestId")", Error::Kind::corrupt,
-       "not valid JSON at line 1, column 38: syntax error while parsing object separator - unexpected end of input; "
-       "expected ':'"},
-      {R"({"version":1})", Error::Kind::corrupt, "operation: missing key"},
-      {R"({"version":1,"operation":{},"extra":1})", Error::Kind::corrupt, "extra: unknown key"},
-      {R"({"version":1,"version":1,"operation":{}})", Error::Kind::corrupt, "version: duplicate key"},
-      {R"({"version":2,"operation":{"shape":"new"}})", Error::Kind::unsupportedVersion, "version 2"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.contents);
+  // damaged-operations.json: file contents, whether they are a newer version rather than corrupt, and the detail.
+  for (const auto& row : nlohmann::json::parse(testing::testDataFile("wallet", "damaged-operations.json"))) {
+    const std::string contents = row[0];
+    const Error::Kind kind = row[1].get<bool>() ? Error::Kind::unsupportedVersion : Error::Kind::corrupt;
+    SCOPED_TRACE(contents);
     testing::TemporaryDirectory directory;
     V6WalletOperationStore store(directory.path());
     const auto path = directory.path() / "Kovi/WalletOperations/v1/m.json";
-    ASSERT_TRUE(writeFileAtomically(path, c.contents).has_value());
+    ASSERT_TRUE(writeFileAtomically(path, contents).has_value());
 
     const auto loaded = store.load("m");
     ASSERT_FALSE(loaded.has_value());
-    EXPECT_EQ(loaded.error(), (Error{c.kind, path, c.detail}));
+    EXPECT_EQ(loaded.error(), (Error{kind, path, row[2].get<std::string>()}));
     EXPECT_NE(loaded.error().message().find(path.string()), std::string::npos);
     const auto saved = store.save("m", anOperation(V6WalletOperationStatus::prepared));
     ASSERT_FALSE(saved.has_value());
-    EXPECT_EQ(saved.error().kind, c.kind);
-    EXPECT_EQ(fileText(path), c.contents);
+    EXPECT_EQ(saved.error().kind, kind);
+    EXPECT_EQ(fileText(path), contents);
   }
 }
 

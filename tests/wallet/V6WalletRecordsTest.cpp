@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
+
 #include <regex>
 #include <string>
 #include <vector>
@@ -8,6 +10,7 @@
 #include "KoviKit/wallet/V6WalletRequest.h"
 #include "KoviKit/wallet/V6WalletResponse.h"
 #include "tests/support/Refusal.h"
+#include "tests/support/TestData.h"
 
 namespace kovi {
 namespace {
@@ -24,6 +27,11 @@ V6WalletDraft walkingDraft() {
   EXPECT_TRUE(draft.has_value()) << draft.error().message();
   return *draft;
 }
+
+// wallet-records.json: service answers refused with the place and reason, and
+// registry address / kovi number pairs with the refusal each earns (null: none),
+// and requests as they are encoded.
+const nlohmann::json kRecords = nlohmann::json::parse(testing::testDataFile("wallet", "wallet-records.json"));
 
 TEST(V6WalletRequestTest, EncodesKeysInOrderAndLeavesAbsentOnesOut) {
   V6WalletRequest status;
@@ -52,23 +60,11 @@ TEST(V6WalletRequestTest, EncodesKeysInOrderAndLeavesAbsentOnesOut) {
   every.day = "2026-11-22";
   every.steps = 12000;
 
-  const struct {
-    V6WalletRequest request;
-    std::string encoded;
-  } cases[] = {
-      {status, R"({"action":"operation","requestId":"r9"})"},
-      // The intent and the draft in their declared order; the rules as canonical JSON.
-      {prepare,
-       R"({"action":"prepareOperation","requestId":"r1","intent":{"kind":"create",)"
-       R"("draft":{"domain":"walking","title":"Yürüyüş","salt":"s1","invitees":["a"],"stakeAmount":"0.5","capacity":3,)"
-       R"("joinDeadline":1700000000,"rules":{"durationDays":2,"exitPenaltyBps":0,"goalMode":"total","mode":"goal",)"
-       R"("payoutRule":"equalSuccessful","rankPayoutsBps":[],"stepTarget":20000,"verificationWindowHours":24},)"
-       R"("start":{"mode":"walkingFixedStart","startsAt":1700003600}},"reviewDigest":"digest","approved":true}})"},
-      {approve, R"({"action":"approveOperation","requestId":"r1","assertion":{"credentialId":"aWQ","signature":"c2ln"}})"},
-      {every, R"({"action":"x","requestId":"r","reference":"KOVI-AAAA","cursor":"c","destination":"d",)"
-              R"("code":"KOVI-ABCD-EFGH","address":"0xab","day":"2026-11-22","steps":12000})"},
-  };
-  for (const auto& c : cases) EXPECT_EQ(encodeV6WalletRequest(c.request), c.encoded);
+  // The intent and the draft in their declared order; the rules as canonical JSON.
+  for (const auto& [name, request] : {std::pair{"status", status}, std::pair{"prepare", prepare},
+                                      std::pair{"approve", approve}, std::pair{"every", every}}) {
+    EXPECT_EQ(encodeV6WalletRequest(request), kRecords["encodedRequests"].at(name).get<std::string>()) << name;
+  }
 }
 
 TEST(V6WalletRequestTest, RequestIdsAreFreshVersion4Uuids) {
@@ -109,56 +105,25 @@ TEST(V6WalletOperationTest, DecodesTheServersOperationAndEncodesItBack) {
   EXPECT_EQ(*again, operation);
 }
 
-std::string nested(int depth) { return std::string(depth, '[') + std::string(depth, ']'); }
-
 TEST(V6WalletResponseTest, RefusesWithThePlaceAndReason) {
-  const struct {
-    std::string document;
-    std::string message;
-  } cases[] = {
-      {R"({"operation":)" + operationJson("pending") + "}", "operation.status: unknown value \"pending\""},
-      {R"({"operation":)" + operationJson("prepared", R"(,"transactionHash":"0xab")") + "}",
-       "operation.transactionHash: expected 0x and 64 hex digits"},
-      {R"({"operation":)" + operationJson("prepared", R"(,"status":"confirmed")") + "}",
-       "operation.status: duplicate key"},
-      {R"({"operation":{"requestId":"r","protocol":"p","revision":1,"status":"prepared","signed":false,"createdAt":1}})",
-       "operation.expiresAt: missing key"},
-      {R"({"facts":)" + nested(130) + "}", "nested deeper than 128 levels"},
-      {R"({"operation":)" + operationJson("prepared", R"(,"operation":{"nonce":7})") + "}",
-       "operation.operation.nonce: expected a string, found a number"},
-      {"{\"operation\":", "not valid JSON at line 1, column 14: syntax error while parsing value - unexpected end of "
-                          "input; expected '[', '{', or a literal"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.message);
-    EXPECT_EQ(testing::refusalOf(decodeJsonText<V6WalletResponse>(c.document)), c.message);
+  using Refusal = std::pair<std::string, std::string>;
+  for (const auto& [document, message] : kRecords["refusedResponses"].get<std::vector<Refusal>>()) {
+    EXPECT_EQ(testing::refusalOf(decodeJsonText<V6WalletResponse>(document)), message) << document;
   }
 }
 
 TEST(V6WalletKoviTest, ChecksRegistryAddressAndKoviNumber) {
-  const std::string address = "0x" + std::string(40, 'a');
-  const std::string idReason = "koviId: expected a positive decimal number of at most 78 digits without leading zeros";
-  const std::string addressReason = "registryAddress: expected 0x and 40 hex digits";
-  const struct {
-    std::string registryAddress;
-    std::string koviId;
-    std::optional<std::string> message;
-  } cases[] = {{address, "1", std::nullopt},
-               {"0x" + std::string(40, 'F'), "9" + std::string(77, '9'), std::nullopt},
-               {address, "1" + std::string(78, '0'), idReason}, {address, "0", idReason}, {address, "07", idReason},
-               {"0x" + std::string(39, 'a'), "1", addressReason}, {"0X" + std::string(40, 'a'), "1", addressReason},
-               {"0x" + std::string(39, 'a') + "g", "1", addressReason}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.registryAddress + " " + c.koviId);
+  for (const auto& row : kRecords["kovis"]) {
+    SCOPED_TRACE(row.dump());
+    const std::string koviId = row[1];
     const auto decoded = decodeJsonText<V6WalletKovi>(
-        R"({"chainId":84532,"reference":"KOVI-AAAA","registryAddress":")" + c.registryAddress + R"(","koviId":")" +
-        c.koviId + R"(","domain":"walking","creator":"0x1","termsHash":"t","deploymentFingerprint":"f"})");
-    if (!c.message) {
+        R"({"chainId":84532,"reference":"KOVI-AAAA","registryAddress":")" + row[0].get<std::string>() +
+        R"(","koviId":")" + koviId + R"(","domain":"walking","creator":"0x1","termsHash":"t","deploymentFingerprint":"f"})");
+    if (row[2].is_null()) {
       ASSERT_TRUE(decoded.has_value()) << decoded.error().message();
-      EXPECT_EQ(decoded->koviId.text, c.koviId);
+      EXPECT_EQ(decoded->koviId.text, koviId);
     } else {
-      ASSERT_FALSE(decoded.has_value());
-      EXPECT_EQ(decoded.error().message(), *c.message);
+      EXPECT_EQ(testing::refusalOf(decoded), row[2].get<std::string>());
     }
   }
 }
