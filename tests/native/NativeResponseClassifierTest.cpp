@@ -38,8 +38,9 @@ TEST(ClassifierTest, JudgesTheResponse) {
       const std::size_t limit = c.at("paddedTo") == "response" ? kNativeResponseBodyLimit : kNativeRateLimitBodyLimit;
       body = paddedJson(limit + c.at("past").get<std::size_t>(), c.at("fields").get<std::string>());
     }
-    const auto outcome =
-        acceptNativeResponse({c.at("status").get<long>(), headers, body, c.value("overLimit", false)}, kNow);
+    // The accepted body views the response, so the response outlives the check.
+    const NativeHttpResponse response{c.at("status").get<long>(), headers, body, c.value("overLimit", false)};
+    const auto outcome = acceptNativeResponse(response, kNow);
     EXPECT_EQ(outcome ? "accepted " + std::string(*outcome) : outcome.error().description(),
               c.at("outcome").get<std::string>());
   }
