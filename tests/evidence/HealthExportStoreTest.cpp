@@ -1,8 +1,12 @@
 #include <gtest/gtest.h>
+
+#include <filesystem>
+
 #include <zip.h>
 
 #include "KoviKit/evidence/HealthExportStore.h"
 #include "KoviKit/evidence/HealthExportXmlParser.h"
+#include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/foundation/Json.h"
 #include "tests/evidence/WalkingTestSupport.h"
 #include "tests/support/TemporaryDirectory.h"

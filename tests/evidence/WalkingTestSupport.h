@@ -2,24 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 #include <string_view>
 
 #include "KoviKit/evidence/HealthEvidenceDayRead.h"
 #include "KoviKit/evidence/HealthStepSample.h"
 #include "KoviKit/evidence/WalkingKoviRules.h"
-#include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/foundation/Time.h"
+#include "tests/support/TestData.h"
 
 namespace kovi::testing {
 
 // A file of tests/evidence/data, whole; fails the test when it is missing.
-inline std::string evidenceData(std::string_view name) {
-  const auto text = readFileLimited(std::filesystem::path(KOVI_EVIDENCE_TEST_DATA) / name, 1 << 20);
-  EXPECT_TRUE(text.has_value()) << "missing test data " << name;
-  return text.value_or("");
-}
+inline std::string evidenceData(std::string_view name) { return testDataFile("evidence", name); }
 
 // An ISO 8601 instant with offset as Unix milliseconds; fails the test on a typo.
 inline UnixMillis at(std::string_view iso) {

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
+
 #include <signal.h>
 #include <sys/wait.h>
 
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>

@@ -1,5 +1,7 @@
 #include "tests/support/TestData.h"
 
+#include <gtest/gtest.h>
+
 #include <fstream>
 #include <iterator>
 
@@ -10,8 +12,15 @@ std::string readTestFile(const std::filesystem::path& file) {
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
+std::filesystem::path testDataPath(std::string_view area, std::string_view name) {
+  return std::filesystem::path(KOVI_SOURCE_DIR) / "tests" / area / "data" / name;
+}
+
 std::string testDataFile(std::string_view area, std::string_view name) {
-  return readTestFile(std::filesystem::path(KOVI_SOURCE_DIR) / "tests" / area / "data" / name);
+  const std::filesystem::path path = testDataPath(area, name);
+  std::ifstream in(path, std::ios::binary);
+  if (!in) ADD_FAILURE() << "missing test data " << path;
+  return {std::istreambuf_iterator<char>(in), {}};
 }
 
 }  // namespace kovi::testing

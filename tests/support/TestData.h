@@ -10,7 +10,10 @@ namespace kovi::testing {
 // when there is none, so a failure message can always print it.
 std::string readTestFile(const std::filesystem::path& file);
 
-// A fixture kept under tests/<area>/data/ in the source tree.
+// Where a fixture kept under tests/<area>/data/ in the source tree is.
+std::filesystem::path testDataPath(std::string_view area, std::string_view name);
+
+// A fixture's whole text; fails the running test when it cannot be read.
 std::string testDataFile(std::string_view area, std::string_view name);
 
 }  // namespace kovi::testing

@@ -8,6 +8,7 @@
 #include "KoviKit/working/WorkingCheckpointWriter.h"
 #include "KoviKit/working/WorkingSessionJournalStore.h"
 #include "tests/support/KoviProcess.h"
+#include "tests/support/TestData.h"
 #include "tests/support/TemporaryDirectory.h"
 #include "tests/working/WorkingTestData.h"
 
@@ -96,7 +97,7 @@ TEST(KoviWorkingCommandTest, HashAndJournalKey) {
 
 TEST(KoviWorkingCommandTest, DecodeReencodesOrNamesTheKeyPath) {
   const testing::TemporaryDirectory directory;
-  const std::string sessionFile = std::string(KOVI_WORKING_TEST_DATA) + "/wire/session.json";
+  const std::string sessionFile = testing::testDataPath("working", "wire/session.json").string();
   const auto decoded = runKovi({"working", "decode", "session", sessionFile});
   EXPECT_EQ(decoded.exitStatus, 0) << decoded.err;
   EXPECT_EQ(decoded.out.substr(0, 20), R"({"id":"ses_8f2c","ro)");

@@ -4,17 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
+#include "tests/support/TestData.h"
 
 namespace kovi::testing {
 
 std::string workingDataFile(std::string_view name) {
-  std::ifstream in(std::string(KOVI_WORKING_TEST_DATA) + "/" + std::string(name), std::ios::binary);
-  EXPECT_TRUE(in.good()) << "missing test data " << name;
-  std::ostringstream contents;
-  contents << in.rdbuf();
-  std::string text = contents.str();
+  std::string text = testDataFile("working", name);
   if (text.ends_with('\n')) text.pop_back();
   return text;
 }

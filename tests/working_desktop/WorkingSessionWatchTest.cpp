@@ -5,12 +5,12 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <thread>
 
 #include "KoviMacHolds/platform/x11/demo/PrivateDesktop.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestData.h"
 
 namespace kovi {
 namespace {
@@ -26,13 +26,6 @@ constexpr const char* kPossibleIdle =
 constexpr const char* kSuspended = "suspended: Doğrulanamıyor";
 constexpr const char* kWaitingForMac = "preparing: Mac hazır olunca çalışma başlar. Henüz süre sayılmıyor.";
 
-std::string contents(const std::filesystem::path& path) {
-  std::ifstream file(path);
-  std::stringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
 // A desktop with a private system bus, and `kovi working session watch` on
 // it under rules that idle after two seconds and need no protection this
 // desktop cannot give.
@@ -47,8 +40,7 @@ class WorkingSessionWatchTest : public ::testing::Test {
     desktop.emplace(std::move(*started));
     busAddress = "unix:path=" + (scratch.path() / "system_bus").string();
     rulesFile = scratch.path() / "rules.json";
-    std::ifstream daily(std::string(KOVI_WORKING_TEST_DATA) + "/daily-rules.json");
-    nlohmann::json rules = nlohmann::json::parse(daily);
+    nlohmann::json rules = nlohmann::json::parse(testing::testDataFile("working", "daily-rules.json"));
     rules["verification"]["idleThresholdSeconds"] = 2;
     rules["economics"]["funding"] = "free";
     rules["economics"]["contributionAtomic"] = "0";
@@ -63,7 +55,7 @@ class WorkingSessionWatchTest : public ::testing::Test {
     logind.emplace(ChildProcess::start({KOVI_STAND_IN_LOGIND, lockFlag().string()},
                                        {{"DBUS_SYSTEM_BUS_ADDRESS", busAddress}}, ready)
                        .value());
-    ASSERT_TRUE(waitUntil([&] { return contents(ready).find("ready") != std::string::npos; }, 5s));
+    ASSERT_TRUE(waitUntil([&] { return testing::readTestFile(ready).find("ready") != std::string::npos; }, 5s));
   }
 
   void startWatch() {
@@ -77,7 +69,7 @@ class WorkingSessionWatchTest : public ::testing::Test {
   bool statusShown(const std::string& line, std::chrono::milliseconds timeout = 5s) {
     return waitUntil([&] { return statusLines().find(line) != std::string::npos; }, timeout);
   }
-  std::string statusLines() const { return contents(scratch.path() / "watch.err"); }
+  std::string statusLines() const { return testing::readTestFile(scratch.path() / "watch.err"); }
 
   void moveThePointer(int step) {
     const std::string x = std::to_string(100 + (step % 7) * 10);
@@ -90,7 +82,7 @@ class WorkingSessionWatchTest : public ::testing::Test {
   nlohmann::json stopWatch() {
     kill(watch->pid(), SIGINT);
     EXPECT_EQ(watch->waitForExit(5s), 0) << statusLines();
-    return nlohmann::json::parse(contents(scratch.path() / "watch.out"));
+    return nlohmann::json::parse(testing::readTestFile(scratch.path() / "watch.out"));
   }
 
   std::filesystem::path lockFlag() const { return scratch.path() / "locked"; }

@@ -8,6 +8,7 @@
 
 #include "tests/support/KoviProcess.h"
 #include "tests/support/TemporaryDirectory.h"
+#include "tests/support/TestData.h"
 
 namespace kovi {
 namespace {
@@ -17,8 +18,7 @@ using nlohmann::json;
 // Five events: a start refused while the display sleeps and the app blocker
 // is off, a start, a lock, a tick before the lock, and completion.
 json traceDocument() {
-  std::ifstream in(std::string(KOVI_SESSION_TOOL_TEST_DATA) + "/trace.json");
-  return json::parse(in);
+  return json::parse(testing::testDataFile("working_session_tool", "trace.json"));
 }
 
 class KoviWorkingSessionReplayTest : public ::testing::Test {
