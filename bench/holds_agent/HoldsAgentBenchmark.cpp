@@ -207,10 +207,7 @@ BENCHMARK(BM_PlainActivation)->UseManualTime()->Unit(benchmark::kMillisecond)->I
 
 int main(int argc, char** argv) {
   using namespace kovi::holds::bench;
-  std::vector<char*> arguments;
-  const int idleSeconds = takeIdleSeconds(argc, argv, arguments);
-  int count = static_cast<int>(arguments.size());
-  benchmark::Initialize(&count, arguments.data());
+  const int idleSeconds = initializeBenchmarks(argc, argv);
 
   Stage stage;
   setUp(stage);

@@ -1,5 +1,7 @@
 #include "bench/holds_agent/HoldsAgentMeasures.h"
 
+#include <benchmark/benchmark.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
@@ -76,7 +78,9 @@ void printClosingReport(const ClosingReport& report) {
   reportMemory(report.agent, report.baseline, report.baselineName, report.shieldShown());
 }
 
-int takeIdleSeconds(int argc, char** argv, std::vector<char*>& rest) {
+int initializeBenchmarks(int argc, char** argv) {
+  // Google Benchmark may keep pointers into the arguments it was given.
+  static std::vector<char*> rest;
   int idleSeconds = 60;
   for (int index = 0; index < argc; ++index) {
     if (std::strcmp(argv[index], "--idle-seconds") == 0 && index + 1 < argc) {
@@ -90,6 +94,8 @@ int takeIdleSeconds(int argc, char** argv, std::vector<char*>& rest) {
       rest.push_back(argv[index]);
     }
   }
+  int count = static_cast<int>(rest.size());
+  benchmark::Initialize(&count, rest.data());
   return idleSeconds;
 }
 

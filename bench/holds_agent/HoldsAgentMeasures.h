@@ -39,9 +39,9 @@ struct ClosingReport {
 // memory, each with its ratio.
 void printClosingReport(const ClosingReport& report);
 
-// Takes "--idle-seconds N" (default 60, at least 1) out of the arguments,
-// leaving the rest for Google Benchmark; exits with a usage message on a
-// number that is not one.
-int takeIdleSeconds(int argc, char** argv, std::vector<char*>& rest);
+// Takes "--idle-seconds N" (default 60, at least 1) out of the arguments and
+// hands the rest to Google Benchmark; returns N, or exits with a usage
+// message on a number that is not one.
+int initializeBenchmarks(int argc, char** argv);
 
 }  // namespace kovi::holds::bench
