@@ -81,10 +81,11 @@ std::expected<V6LiveHealthUploader::Pass, V6EvidenceSubmissionError> V6LiveHealt
       continue;
     }
     state_.windows[reference] = answer->context.windows;
-    state_.kovis[reference] = std::move(answer->context);
+    state_.kovis[reference] = answer->context;
     const auto reads = dependencies_.read(state_.windows[reference], now);
     if (scopeMoved()) return pass;
-    auto outcome = dependencies_.submitter.submit(key, scope.ownerID, reference, reads, now);
+    // The context just fetched is the one the submission is built on.
+    auto outcome = dependencies_.submitter.submit(key, scope.ownerID, reference, std::move(*answer), reads, now);
     if (!outcome) {
       if (outcome.error().failure == WalkingEvidenceFailure::transient) return std::unexpected(outcome.error());
       pass.failed.push_back({reference, std::move(outcome.error())});

@@ -147,13 +147,28 @@ std::expected<Submitter::Outcome, V6EvidenceSubmissionError> Submitter::submit(
   if (!key.serverDeviceKeyId) {
     return std::unexpected(localError("device_key_not_registered", "the account's device key is not registered"));
   }
+  auto context = dependencies_.api.walkingContext(reference);
+  if (!context) return std::unexpected(V6EvidenceSubmissionError::fromService(context.error()));
+  return submit(key, ownerID, reference, std::move(*context), reads, cutoff);
+}
+
+std::expected<Submitter::Outcome, V6EvidenceSubmissionError> Submitter::submit(
+    const AppAttestDeviceKey& key, std::string_view ownerID, std::string_view reference,
+    V6WalkingContextAnswer context, const std::vector<HealthEvidenceDayRead>& reads, UnixMillis cutoff) {
+  if (!key.serverDeviceKeyId) {
+    return std::unexpected(localError("device_key_not_registered", "the account's device key is not registered"));
+  }
   Outcome outcome;
   auto resolved = resolvePending(ownerID);
   if (!resolved) return std::unexpected(resolved.error());
   outcome.resolved = std::move(*resolved);
 
-  auto answer = dependencies_.api.walkingContext(reference);
-  if (!answer) return std::unexpected(V6EvidenceSubmissionError::fromService(answer.error()));
+  std::expected<V6WalkingContextAnswer, NativeAccountError> answer = std::move(context);
+  if (!outcome.resolved.empty()) {
+    // A resent record moved the days' revisions past the context given.
+    answer = dependencies_.api.walkingContext(reference);
+    if (!answer) return std::unexpected(V6EvidenceSubmissionError::fromService(answer.error()));
+  }
   switch (V6WalkingSyncPlanner::writerDecision(answer->context.writerDeviceKeyId, *key.serverDeviceKeyId,
                                                key.replacedServerDeviceKeyIds)) {
     case V6WalkingSyncPlanner::WriterDecision::sign: break;

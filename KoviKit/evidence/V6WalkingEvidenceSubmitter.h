@@ -59,6 +59,13 @@ class V6WalkingEvidenceSubmitter {
                                                            std::string_view reference,
                                                            const std::vector<HealthEvidenceDayRead>& reads,
                                                            UnixMillis cutoff);
+  // The same with the kovi's context already fetched (the automatic uploader
+  // fetches it first to know which days to read); fetched again when a
+  // pending record is resent first, since that moves the days' revisions.
+  std::expected<Outcome, V6EvidenceSubmissionError> submit(const AppAttestDeviceKey& key, std::string_view ownerID,
+                                                           std::string_view reference, V6WalkingContextAnswer context,
+                                                           const std::vector<HealthEvidenceDayRead>& reads,
+                                                           UnixMillis cutoff);
 
   // Resends every pending record of `ownerID`. Stops at the first record that
   // stays pending (no answer) with "walking_evidence_pending" semantics: no

@@ -126,6 +126,7 @@ LoopbackEvidenceService::Answer LoopbackEvidenceService::registerKey(const Json&
 }
 
 LoopbackEvidenceService::Answer LoopbackEvidenceService::context(const Json& request) {
+  ++contextRequests_;
   if (request.at("reference") != reference_) return {404, refusal(kRejected)};
   Json windows = Json::array();
   for (int index = 0; index < rules_.durationDays; ++index) {

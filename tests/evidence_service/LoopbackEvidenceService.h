@@ -62,6 +62,7 @@ class LoopbackEvidenceService {
   // The kovi list never ends: its cursors run "a", "b", "a", … after the first page.
   void loopKoviCursors() { loopCursors_ = true; }
   int koviListRequests() const { return koviListRequests_; }
+  int contextRequests() const { return contextRequests_; }
 
  private:
   struct Key {
@@ -111,6 +112,7 @@ class LoopbackEvidenceService {
   std::atomic<bool> holdNext_ = false;
   std::atomic<bool> loopCursors_ = false;
   std::atomic<int> koviListRequests_ = 0;
+  std::atomic<int> contextRequests_ = 0;
   Gate heldGate_;
   Gate arrivedGate_;
 

@@ -50,6 +50,7 @@ TEST_F(V6LiveHealthUploaderTest, PostsTheListedKoviOnceAndThrottlesItUntilTheNex
   EXPECT_EQ(first->posted[0].outcome.receipt->accepted.size(), 3u);
   EXPECT_EQ(readDays, (std::vector<std::vector<int>>{{0, 1, 2}}));
   EXPECT_EQ(service.state().acceptedSubmissions, 1);
+  EXPECT_EQ(service.contextRequests(), 1) << "the submission is built on the context the pass fetched";
   EXPECT_EQ(live.state().postedAt.at(EvidenceFixture::kReference), now);
   EXPECT_TRUE(live.state().wanted.empty());
   EXPECT_FALSE(live.state().requestID.has_value()) << "no pass is under way after one ended";
