@@ -13,7 +13,7 @@
 #include <cstring>
 #include <limits>
 
-#include "KoviKit/attest/FileLock.h"
+#include "KoviKit/foundation/FileLock.h"
 #include "KoviKit/attest/OpenSslHandles.h"
 #include "KoviKit/attest/P256Key.h"
 #include "KoviKit/foundation/Base64.h"

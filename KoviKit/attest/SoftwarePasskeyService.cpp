@@ -11,7 +11,7 @@
 #include <nlohmann/json.hpp>
 #include <tuple>
 
-#include "KoviKit/attest/FileLock.h"
+#include "KoviKit/foundation/FileLock.h"
 #include "KoviKit/attest/P256Key.h"
 #include "KoviKit/foundation/Base64.h"
 #include "KoviKit/foundation/FileIO.h"

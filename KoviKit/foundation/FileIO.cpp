@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 #include <random>
+#include <utility>
 
 namespace kovi {
 namespace {
@@ -21,6 +22,7 @@ class FileDescriptor {
     if (fd_ >= 0) ::close(fd_);
   }
   int get() const { return fd_; }
+  int release() { return std::exchange(fd_, -1); }
   // Closes now and reports whether the close succeeded (write errors can surface here).
   bool close() {
     const int fd = fd_;
@@ -56,25 +58,29 @@ std::filesystem::path temporarySibling(const std::filesystem::path& path) {
          ("." + path.filename().string() + ".tmp-" + std::to_string(::getpid()) + "-" + std::to_string(random()));
 }
 
-}  // namespace
+FileReadError lastSystemReadError() {
+  const auto failure = errno == ENOENT || errno == ENOTDIR ? FileReadFailure::missing : FileReadFailure::unreadable;
+  return FileReadError{failure, std::strerror(errno)};
+}
 
-std::expected<std::string, FileReadError> readFileLimited(const std::filesystem::path& path, std::size_t limit) {
-  FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file.get() < 0) {
-    const auto failure = errno == ENOENT || errno == ENOTDIR ? FileReadFailure::missing : FileReadFailure::unreadable;
-    return std::unexpected(FileReadError{failure, std::strerror(errno)});
-  }
-  // Size the buffer from the file's reported size (a pipe or /proc file may
-  // report 0, so the buffer still grows up to the limit when it fills).
-  struct stat status {};
-  const std::size_t reported = ::fstat(file.get(), &status) == 0 && status.st_size > 0
-                                   ? static_cast<std::size_t>(status.st_size)
-                                   : 0;
+timespec modificationTime(const struct stat& status) {
+#ifdef __APPLE__
+  return status.st_mtimespec;
+#else
+  return status.st_mtim;
+#endif
+}
+
+// Reads the open `fd` whole, of at most `limit` bytes. `status` is the file's
+// as fstat gave it just before (a pipe or /proc file reports size 0, so the
+// buffer still grows up to the limit when it fills).
+std::expected<std::string, FileReadError> readOpenFile(int fd, const struct stat& status, std::size_t limit) {
+  const std::size_t reported = status.st_size > 0 ? static_cast<std::size_t>(status.st_size) : 0;
   std::string contents(std::min(reported, limit) + 1, '\0');
   std::size_t filled = 0;
   while (filled <= limit) {
     if (filled == contents.size()) contents.resize(limit + 1);
-    const ssize_t count = ::read(file.get(), contents.data() + filled, contents.size() - filled);
+    const ssize_t count = ::read(fd, contents.data() + filled, contents.size() - filled);
     if (count < 0) {
       if (errno == EINTR) continue;
       return std::unexpected(FileReadError{FileReadFailure::unreadable, std::strerror(errno)});
@@ -87,6 +93,54 @@ std::expected<std::string, FileReadError> readFileLimited(const std::filesystem:
   }
   contents.resize(filled);
   return contents;
+}
+
+}  // namespace
+
+std::expected<std::string, FileReadError> readFileLimited(const std::filesystem::path& path, std::size_t limit) {
+  FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.get() < 0) return std::unexpected(lastSystemReadError());
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) status.st_size = 0;
+  return readOpenFile(file.get(), status, limit);
+}
+
+std::expected<FileSnapshot, FileReadError> FileSnapshot::read(const std::filesystem::path& path, std::size_t limit) {
+  FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.get() < 0) return std::unexpected(lastSystemReadError());
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) return std::unexpected(lastSystemReadError());
+  auto contents = readOpenFile(file.get(), status, limit);
+  if (!contents) return std::unexpected(contents.error());
+  return FileSnapshot(file.release(), status.st_size, modificationTime(status), std::move(*contents));
+}
+
+FileSnapshot::FileSnapshot(FileSnapshot&& other) noexcept
+    : fd_(std::exchange(other.fd_, -1)),
+      size_(other.size_),
+      modified_(other.modified_),
+      contents_(std::move(other.contents_)) {}
+
+FileSnapshot& FileSnapshot::operator=(FileSnapshot&& other) noexcept {
+  if (this != &other) {
+    if (fd_ >= 0) ::close(fd_);
+    fd_ = std::exchange(other.fd_, -1);
+    size_ = other.size_;
+    modified_ = other.modified_;
+    contents_ = std::move(other.contents_);
+  }
+  return *this;
+}
+
+FileSnapshot::~FileSnapshot() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+bool FileSnapshot::isCurrent() const {
+  struct stat status {};
+  if (fd_ < 0 || ::fstat(fd_, &status) != 0 || status.st_nlink == 0) return false;
+  const timespec modified = modificationTime(status);
+  return status.st_size == size_ && modified.tv_sec == modified_.tv_sec && modified.tv_nsec == modified_.tv_nsec;
 }
 
 std::expected<void, std::string> writeFileAtomically(const std::filesystem::path& path, std::string_view bytes,

@@ -1,15 +1,11 @@
 #include "KoviKit/foundation/FileKeyValueStore.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
-#include <utility>
 
 #include "KoviKit/foundation/FileIO.h"
+#include "KoviKit/foundation/FileLock.h"
 #include "KoviKit/foundation/Json.h"
 
 namespace kovi {
@@ -22,37 +18,6 @@ constexpr std::size_t kDocumentLimit = 4 * 1024 * 1024;
 KeyValueStoreError failure(KeyValueStoreError::Kind kind, const std::filesystem::path& path, std::string_view reason) {
   return KeyValueStoreError{kind, path.string() + ": " + std::string(reason)};
 }
-
-// Holds an exclusive flock on the domain's lock file until destroyed. The lock
-// file is never removed: removing it would let two writers lock different files.
-class ExclusiveFileLock {
- public:
-  static std::expected<ExclusiveFileLock, KeyValueStoreError> acquire(const std::filesystem::path& path) {
-    std::error_code error;
-    std::filesystem::create_directories(path.parent_path(), error);
-    if (error) return std::unexpected(failure(KeyValueStoreError::Kind::unwritable, path.parent_path(), error.message()));
-    const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (fd < 0) return std::unexpected(failure(KeyValueStoreError::Kind::unwritable, path, std::strerror(errno)));
-    while (::flock(fd, LOCK_EX) != 0) {
-      if (errno == EINTR) continue;
-      const std::string reason = std::strerror(errno);
-      ::close(fd);
-      return std::unexpected(failure(KeyValueStoreError::Kind::unwritable, path, reason));
-    }
-    return ExclusiveFileLock(fd);
-  }
-  ExclusiveFileLock(ExclusiveFileLock&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  ExclusiveFileLock(const ExclusiveFileLock&) = delete;
-  ExclusiveFileLock& operator=(const ExclusiveFileLock&) = delete;
-  ExclusiveFileLock& operator=(ExclusiveFileLock&&) = delete;
-  ~ExclusiveFileLock() {
-    if (fd_ >= 0) ::close(fd_);  // closing the descriptor releases the flock
-  }
-
- private:
-  explicit ExclusiveFileLock(int fd) : fd_(fd) {}
-  int fd_;
-};
 
 std::expected<nlohmann::json, KeyValueStoreError> decodeDocument(const std::filesystem::path& path,
                                                                  std::string_view text) {
@@ -77,20 +42,7 @@ std::expected<nlohmann::json, KeyValueStoreError> decodeDocument(const std::file
   return std::move((*document)["values"]);
 }
 
-timespec modificationTime(const struct stat& status) {
-#ifdef __APPLE__
-  return status.st_mtimespec;
-#else
-  return status.st_mtim;
-#endif
-}
-
 }  // namespace
-
-bool FileKeyValueStore::FileIdentity::operator==(const FileIdentity& other) const {
-  return device == other.device && inode == other.inode && size == other.size &&
-         modified.tv_sec == other.modified.tv_sec && modified.tv_nsec == other.modified.tv_nsec;
-}
 
 FileKeyValueStore::FileKeyValueStore(std::string domain, std::filesystem::path directory)
     : documentPath_(directory / "Kovi" / "Preferences" / "v1" / (domain + ".json")),
@@ -103,36 +55,31 @@ std::expected<nlohmann::json, KeyValueStoreError> FileKeyValueStore::values() co
 }
 
 std::expected<nlohmann::json, KeyValueStoreError> FileKeyValueStore::currentValues() const {
-  // The identity is taken before reading: if another process replaces the
-  // file in between, the next read sees a different identity and reads again.
-  struct stat status {};
-  if (::stat(documentPath_.c_str(), &status) != 0) {
-    if (errno == ENOENT) {
-      cachedIdentity_.reset();
-      return nlohmann::json::object();
-    }
-    return std::unexpected(failure(KeyValueStoreError::Kind::unreadable, documentPath_, std::strerror(errno)));
+  if (snapshot_ && snapshot_->isCurrent()) return cachedValues_;
+  auto snapshot = FileSnapshot::read(documentPath_, kDocumentLimit);
+  if (!snapshot) {
+    snapshot_.reset();
+    if (snapshot.error().failure == FileReadFailure::missing) return nlohmann::json::object();
+    return std::unexpected(failure(KeyValueStoreError::Kind::unreadable, documentPath_, snapshot.error().detail));
   }
-  const FileIdentity identity{status.st_dev, status.st_ino, status.st_size, modificationTime(status)};
-  if (cachedIdentity_ == identity) return cachedValues_;
-
-  auto text = readFileLimited(documentPath_, kDocumentLimit);
-  if (!text) {
-    if (text.error().failure == FileReadFailure::missing) return nlohmann::json::object();
-    return std::unexpected(failure(KeyValueStoreError::Kind::unreadable, documentPath_, text.error().detail));
+  auto decoded = decodeDocument(documentPath_, snapshot->contents());
+  if (!decoded) {
+    snapshot_.reset();
+    return decoded;
   }
-  auto decoded = decodeDocument(documentPath_, *text);
-  if (!decoded) return decoded;
-  cachedIdentity_ = identity;
   cachedValues_ = *decoded;
+  snapshot_ = std::move(*snapshot);
   return decoded;
 }
 
 std::expected<void, KeyValueStoreError> FileKeyValueStore::update(
     const std::function<void(nlohmann::json& values)>& change) {
   const std::lock_guard lock(mutex_);
-  auto fileLock = ExclusiveFileLock::acquire(lockPath_);
-  if (!fileLock) return std::unexpected(fileLock.error());
+  std::error_code error;
+  std::filesystem::create_directories(lockPath_.parent_path(), error);
+  if (error) return std::unexpected(failure(KeyValueStoreError::Kind::unwritable, lockPath_.parent_path(), error.message()));
+  auto fileLock = FileLock::acquire(lockPath_);
+  if (!fileLock) return std::unexpected(KeyValueStoreError{KeyValueStoreError::Kind::unwritable, fileLock.error()});
 
   auto current = currentValues();
   if (!current && current.error().kind == KeyValueStoreError::Kind::corrupt) {
@@ -157,8 +104,8 @@ std::expected<void, KeyValueStoreError> FileKeyValueStore::update(
   if (auto written = writeFileAtomically(documentPath_, text); !written) {
     return std::unexpected(KeyValueStoreError{KeyValueStoreError::Kind::unwritable, written.error()});
   }
-  // The next read parses the new file once and caches it under its identity.
-  cachedIdentity_.reset();
+  // The next read parses the new file once and keeps it with its snapshot.
+  snapshot_.reset();
   return {};
 }
 

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <sys/types.h>
-
-#include <ctime>
 #include <filesystem>
 #include <mutex>
+#include <optional>
 #include <string>
 
 #include "KoviKit/foundation/ApplicationSupport.h"
+#include "KoviKit/foundation/FileIO.h"
 #include "KoviKit/foundation/KeyValueStore.h"
 
 namespace kovi {
@@ -20,9 +19,9 @@ namespace kovi {
 // Several processes may share it (the app writes, the agent and widgets
 // read). Every change is a read-modify-write under an exclusive flock on the
 // sibling `<domain>.json.lock`, and the new document replaces the old one by
-// rename, so a reader never sees a torn file and needs no lock. Each read
-// checks the file's identity (inode, size, modification time) and parses it
-// again only when another process has replaced it.
+// rename, so a reader never sees a torn file and needs no lock. The document
+// read last is kept open (a FileSnapshot) and parsed again only when another
+// process has replaced it.
 //
 // A document that does not decode reads as `corrupt`; the next change moves
 // it aside to `<domain>.json.corrupt` (keeping the bytes for inspection) and
@@ -37,22 +36,14 @@ class FileKeyValueStore final : public KeyValueStore {
   const std::filesystem::path& documentPath() const { return documentPath_; }
 
  private:
-  // What identifies one version of the document on disk.
-  struct FileIdentity {
-    dev_t device = 0;
-    ino_t inode = 0;
-    off_t size = 0;
-    timespec modified{};
-    bool operator==(const FileIdentity& other) const;
-  };
-
   // The values as they are on disk now; the caller holds `mutex_`.
   std::expected<nlohmann::json, KeyValueStoreError> currentValues() const;
 
   std::filesystem::path documentPath_;
   std::filesystem::path lockPath_;
   mutable std::mutex mutex_;
-  mutable std::optional<FileIdentity> cachedIdentity_;
+  // The document as last read: its values stand while the snapshot is current.
+  mutable std::optional<FileSnapshot> snapshot_;
   mutable nlohmann::json cachedValues_;
 };
 

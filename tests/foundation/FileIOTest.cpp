@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 
 #include "tests/support/TemporaryDirectory.h"
@@ -68,6 +69,50 @@ TEST(FileIOTest, FailedAtomicWriteNamesThePathAndLeavesNothingBehind) {
   std::size_t entries = 0;
   for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(directory.path())) ++entries;
   EXPECT_EQ(entries, 1u) << "the temporary file must be removed";
+}
+
+// A kept snapshot answers for the file at its path, whatever happened to it.
+TEST(FileIOTest, SnapshotIsCurrentUntilTheFileIsReplacedRemovedOrRewritten) {
+  const struct {
+    const char* change;
+    void (*apply)(const std::filesystem::path& path);
+    bool current;
+  } cases[] = {
+      {"untouched", [](const std::filesystem::path&) {}, true},
+      {"read again", [](const std::filesystem::path& path) { ASSERT_TRUE(readFileLimited(path, 100)); }, true},
+      {"replaced by the same bytes",
+       [](const std::filesystem::path& path) { ASSERT_TRUE(writeFileAtomically(path, R"({"counter":7})")); }, false},
+      {"removed", [](const std::filesystem::path& path) { std::filesystem::remove(path); }, false},
+      {"removed and made again",
+       [](const std::filesystem::path& path) {
+         std::filesystem::remove(path);
+         ASSERT_TRUE(writeFileAtomically(path, R"({"counter":7})"));
+       },
+       false},
+      {"rewritten in place",
+       [](const std::filesystem::path& path) {
+         std::FILE* file = std::fopen(path.c_str(), "w");
+         ASSERT_NE(file, nullptr);
+         std::fputs(R"({"counter":1024})", file);
+         std::fclose(file);
+       },
+       false},
+  };
+  for (const auto& row : cases) {
+    SCOPED_TRACE(row.change);
+    const TemporaryDirectory directory;
+    const auto path = directory.path() / "mark.json";
+    ASSERT_TRUE(writeFileAtomically(path, R"({"counter":7})"));
+    const auto snapshot = FileSnapshot::read(path, 100);
+    ASSERT_TRUE(snapshot.has_value());
+    EXPECT_EQ(snapshot->contents(), R"({"counter":7})");
+    row.apply(path);
+    EXPECT_EQ(snapshot->isCurrent(), row.current);
+  }
+  const TemporaryDirectory directory;
+  EXPECT_EQ(FileSnapshot::read(directory.path() / "absent", 10).error().failure, FileReadFailure::missing);
+  directory.write("large", std::string(11, 'x'));
+  EXPECT_EQ(FileSnapshot::read(directory.path() / "large", 10).error().failure, FileReadFailure::tooLarge);
 }
 
 }  // namespace
