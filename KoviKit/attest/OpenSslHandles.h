@@ -15,12 +15,16 @@ struct PkeyFree {
 struct MdContextFree {
   void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
 };
+struct PkeyContextFree {
+  void operator()(EVP_PKEY_CTX* context) const { EVP_PKEY_CTX_free(context); }
+};
 struct BioFree {
   void operator()(BIO* bio) const { BIO_free(bio); }
 };
 
 using Pkey = std::unique_ptr<EVP_PKEY, PkeyFree>;
 using MdContext = std::unique_ptr<EVP_MD_CTX, MdContextFree>;
+using PkeyContext = std::unique_ptr<EVP_PKEY_CTX, PkeyContextFree>;
 using Bio = std::unique_ptr<BIO, BioFree>;
 
 }  // namespace kovi::openssl

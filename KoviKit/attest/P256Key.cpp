@@ -4,6 +4,8 @@
 #include <openssl/pem.h>
 #include <openssl/x509.h>
 
+#include "KoviKit/foundation/Sha256.h"
+
 namespace kovi {
 
 std::expected<std::vector<std::uint8_t>, std::string> p256PublicKeyDer(EVP_PKEY* key) {
@@ -15,20 +17,34 @@ std::expected<std::vector<std::uint8_t>, std::string> p256PublicKeyDer(EVP_PKEY*
   return bytes;
 }
 
-std::expected<std::vector<std::uint8_t>, std::string> p256SignSha256(EVP_PKEY* key,
-                                                                   std::span<const std::uint8_t> message) {
-  openssl::MdContext context(EVP_MD_CTX_new());
+std::expected<P256Signer, std::string> P256Signer::create(EVP_PKEY* key) {
+  openssl::PkeyContext context(EVP_PKEY_CTX_new_from_pkey(nullptr, key, nullptr));
+  if (!context || EVP_PKEY_sign_init(context.get()) != 1 ||
+      EVP_PKEY_CTX_set_signature_md(context.get(), EVP_sha256()) != 1) {
+    return std::unexpected(std::string("cannot start an ECDSA signature"));
+  }
+  return P256Signer(std::move(context));
+}
+
+std::expected<std::vector<std::uint8_t>, std::string> P256Signer::sign(std::span<const std::uint8_t> message) {
+  const Sha256Digest digest = sha256(message);
   std::size_t length = 0;
-  if (!context || EVP_DigestSignInit(context.get(), nullptr, EVP_sha256(), nullptr, key) != 1 ||
-      EVP_DigestSign(context.get(), nullptr, &length, message.data(), message.size()) != 1) {
+  if (EVP_PKEY_sign(context_.get(), nullptr, &length, digest.data(), digest.size()) != 1) {
     return std::unexpected(std::string("cannot start an ECDSA signature"));
   }
   std::vector<std::uint8_t> signature(length);
-  if (EVP_DigestSign(context.get(), signature.data(), &length, message.data(), message.size()) != 1) {
+  if (EVP_PKEY_sign(context_.get(), signature.data(), &length, digest.data(), digest.size()) != 1) {
     return std::unexpected(std::string("ECDSA signing failed"));
   }
   signature.resize(length);
   return signature;
+}
+
+std::expected<std::vector<std::uint8_t>, std::string> p256SignSha256(EVP_PKEY* key,
+                                                                   std::span<const std::uint8_t> message) {
+  auto signer = P256Signer::create(key);
+  if (!signer) return std::unexpected(signer.error());
+  return signer->sign(message);
 }
 
 std::expected<std::string, std::string> p256PrivateKeyPem(EVP_PKEY* key) {

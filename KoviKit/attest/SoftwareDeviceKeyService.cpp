@@ -1,24 +1,20 @@
 #include "KoviKit/attest/SoftwareDeviceKeyService.h"
 
-#include <fcntl.h>
 #include <openssl/crypto.h>
 #include <openssl/ec.h>
 #include <openssl/pem.h>
 #include <openssl/x509.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <limits>
+#include <optional>
 
-#include "KoviKit/foundation/FileLock.h"
 #include "KoviKit/attest/OpenSslHandles.h"
 #include "KoviKit/attest/P256Key.h"
 #include "KoviKit/foundation/Base64.h"
 #include "KoviKit/foundation/CanonicalJsonWriter.h"
 #include "KoviKit/foundation/FileIO.h"
+#include "KoviKit/foundation/FileLock.h"
 #include "KoviKit/foundation/JsonRecordCoding.h"
 
 namespace kovi {
@@ -61,8 +57,23 @@ std::string counterText(std::int64_t counter) {
 
 }  // namespace
 
+struct SoftwareDeviceKeyService::AssertingKey {
+  // The key's lock file, kept open: reserving takes it, handing out does not.
+  FileLock lock;
+  P256Signer signer;
+  // The counter file as this service last read or wrote it; while it is
+  // current nobody reserved since. None: read it again under the lock.
+  std::optional<FileSnapshot> mark;
+  std::int64_t next = 0;
+  std::int64_t reservedThrough = 0;
+};
+
+SoftwareDeviceKeyService::~SoftwareDeviceKeyService() = default;
+
 SoftwareDeviceKeyService::SoftwareDeviceKeyService(std::filesystem::path dataDirectory, std::string appIdentity)
-    : keyDirectory_(std::move(dataDirectory) / "Kovi" / "DeviceKeys" / "v1"), appIdentity_(std::move(appIdentity)) {}
+    : keyDirectory_(std::move(dataDirectory) / "Kovi" / "DeviceKeys" / "v1"),
+      appIdentity_(std::move(appIdentity)),
+      appIdentityHash_(sha256(appIdentity_)) {}
 
 namespace {
 
@@ -147,47 +158,70 @@ std::expected<std::vector<std::uint8_t>, AppAttestError> SoftwareDeviceKeyServic
   return std::vector<std::uint8_t>(text.begin(), text.end());
 }
 
-std::expected<std::uint32_t, AppAttestError> SoftwareDeviceKeyService::nextCounter(std::string_view keyId) {
-  const std::filesystem::path counterPath = keyDirectory_ / (std::string(keyId) + ".counter");
-  auto fileLock = FileLock::acquire(keyDirectory_ / (std::string(keyId) + ".lock"));
-  if (!fileLock) return std::unexpected(failure("assertion_failed", fileLock.error()));
+std::expected<SoftwareDeviceKeyService::AssertingKey*, AppAttestError> SoftwareDeviceKeyService::assertingKey(
+    std::string_view keyId, EVP_PKEY* key) {
+  if (const auto found = asserting_.find(keyId); found != asserting_.end()) return found->second.get();
+  auto lock = FileLock::open(keyDirectory_ / (std::string(keyId) + ".lock"));
+  if (!lock) return std::unexpected(failure("assertion_failed", lock.error()));
+  auto signer = P256Signer::create(key);
+  if (!signer) return std::unexpected(failure("assertion_failed", signer.error()));
+  auto made = std::make_unique<AssertingKey>(AssertingKey{std::move(*lock), std::move(*signer), std::nullopt, 0, 0});
+  return asserting_.emplace(std::string(keyId), std::move(made)).first->second.get();
+}
 
-  // A missing or unreadable mark is refused rather than restarted at zero:
-  // starting over would repeat counters the service has already seen.
-  auto stored = readFileLimited(counterPath, kCounterFileLimit);
-  if (!stored) {
-    return std::unexpected(
-        failure("assertion_failed", "cannot read " + counterPath.string() + ": " + stored.error().detail));
-  }
-  auto found = counterBlocks_.find(keyId);
-  if (found == counterBlocks_.end() || found->second.storedText != *stored) {
-    // First use here, or another process reserved after this one: start past its mark.
-    auto mark = decodeJsonText<DeviceKeyCounter>(*stored);
+std::expected<void, AppAttestError> SoftwareDeviceKeyService::reserve(AssertingKey& asserting,
+                                                                   const std::filesystem::path& counterPath) {
+  auto held = asserting.lock.hold();
+  if (!held) return std::unexpected(failure("assertion_failed", held.error()));
+  if (!asserting.mark || !asserting.mark->isCurrent()) {
+    // First use here, or another process reserved after this one: start past
+    // its mark. A missing or unreadable mark is refused rather than restarted
+    // at zero: starting over would repeat counters the service has already seen.
+    asserting.mark.reset();
+    auto stored = FileSnapshot::read(counterPath, kCounterFileLimit);
+    if (!stored) {
+      return std::unexpected(
+          failure("assertion_failed", "cannot read " + counterPath.string() + ": " + stored.error().detail));
+    }
+    auto mark = decodeJsonText<DeviceKeyCounter>(stored->contents());
     if (!mark) {
       return std::unexpected(
           failure("assertion_failed", counterPath.string() + " is corrupt: " + mark.error().message()));
     }
     if (mark->counter < 0) return std::unexpected(failure("assertion_failed", counterPath.string() + " is corrupt"));
-    if (found == counterBlocks_.end()) found = counterBlocks_.emplace(std::string(keyId), CounterBlock{}).first;
-    found->second = {mark->counter + 1, mark->counter, std::move(*stored)};
+    asserting.next = mark->counter + 1;
+    asserting.reservedThrough = mark->counter;
+    asserting.mark = std::move(*stored);
   }
-  CounterBlock& block = found->second;
   constexpr std::int64_t kLastCounter = std::numeric_limits<std::uint32_t>::max();
-  if (block.next > kLastCounter) {
+  if (asserting.next > kLastCounter) {
     return std::unexpected(failure("assertion_failed", "the key's assertion counter is used up; register a new key"));
   }
-  if (block.next > block.reservedThrough) {
-    const std::int64_t mark = std::min(block.next + kCounterBlock - 1, kLastCounter);
-    std::string text = counterText(mark);
-    if (auto written = writeFileAtomically(counterPath, text, kOwnerOnly); !written) {
-      // What is on disk is unknown now: read it again next time.
-      counterBlocks_.erase(found);
-      return std::unexpected(failure("assertion_failed", written.error()));
-    }
-    block.reservedThrough = mark;
-    block.storedText = std::move(text);
+  if (asserting.next <= asserting.reservedThrough) return {};
+  const std::int64_t mark = std::min(asserting.next + kCounterBlock - 1, kLastCounter);
+  // What is on disk is unknown until the new mark is written and read back.
+  asserting.mark.reset();
+  if (auto written = writeFileAtomically(counterPath, counterText(mark), kOwnerOnly); !written) {
+    return std::unexpected(failure("assertion_failed", written.error()));
   }
-  return static_cast<std::uint32_t>(block.next++);
+  asserting.reservedThrough = mark;
+  // The mark is stored, so the block is ours even when it cannot be read
+  // back; the next assertion then reads it again and starts past it.
+  if (auto stored = FileSnapshot::read(counterPath, kCounterFileLimit)) asserting.mark = std::move(*stored);
+  return {};
+}
+
+std::expected<std::uint32_t, AppAttestError> SoftwareDeviceKeyService::nextCounter(AssertingKey& asserting,
+                                                                                std::string_view keyId) {
+  // Within a block that is still the latest on disk the counter is this
+  // service's alone: no lock is needed to hand it out.
+  const bool blockStands = asserting.mark && asserting.next <= asserting.reservedThrough && asserting.mark->isCurrent();
+  if (!blockStands) {
+    if (auto reserved = reserve(asserting, keyDirectory_ / (std::string(keyId) + ".counter")); !reserved) {
+      return std::unexpected(reserved.error());
+    }
+  }
+  return static_cast<std::uint32_t>(asserting.next++);
 }
 
 std::expected<AppAttestAssertion, AppAttestError> SoftwareDeviceKeyService::generateAssertion(
@@ -195,23 +229,22 @@ std::expected<AppAttestAssertion, AppAttestError> SoftwareDeviceKeyService::gene
   auto key = loadedKey(keyId);
   if (!key) return std::unexpected(failure("assertion_failed", key.error()));
 
-  std::uint32_t counter = 0;
-  {
-    std::scoped_lock processLock(assertionMutex_);
-    auto reserved = nextCounter(keyId);
-    if (!reserved) return std::unexpected(reserved.error());
-    counter = *reserved;
-  }
+  // Counters are handed out and signed in one order within the process.
+  std::scoped_lock processLock(assertionMutex_);
+  auto asserting = assertingKey(keyId, key->get());
+  if (!asserting) return std::unexpected(asserting.error());
+  auto counter = nextCounter(**asserting, keyId);
+  if (!counter) return std::unexpected(counter.error());
 
   AppAttestAssertion assertion;
-  const Sha256Digest appHash = sha256(appIdentity_);
-  assertion.authenticatorData.assign(appHash.begin(), appHash.end());
+  assertion.authenticatorData.reserve(appIdentityHash_.size() + 4);
+  assertion.authenticatorData.assign(appIdentityHash_.begin(), appIdentityHash_.end());
   for (int shift = 24; shift >= 0; shift -= 8) {
-    assertion.authenticatorData.push_back(static_cast<std::uint8_t>(counter >> shift));
+    assertion.authenticatorData.push_back(static_cast<std::uint8_t>(*counter >> shift));
   }
   std::vector<std::uint8_t> message = assertion.authenticatorData;
   message.insert(message.end(), clientDataHash.begin(), clientDataHash.end());
-  auto signature = p256SignSha256(key->get(), message);
+  auto signature = (*asserting)->signer.sign(message);
   if (!signature) return std::unexpected(failure("assertion_failed", signature.error()));
   assertion.signature = std::move(*signature);
   return assertion;

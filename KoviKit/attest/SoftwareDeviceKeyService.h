@@ -31,23 +31,29 @@ inline constexpr std::string_view kSoftwareDeviceKeyEnvironment = "development";
 //    "signature":<base64 DER ECDSA-SHA256 over the client-data hash>}.
 // - An assertion's authenticator data is SHA-256(appIdentity) followed by the
 //   4-byte big-endian counter. The counter file holds a high-water mark: every
-//   counter at or below it may have been used. A service reserves a block of
-//   counters by storing a mark kCounterBlock ahead before the first of them is
-//   returned, then hands them out from memory. On every assertion, under the
-//   key's lock file, it re-reads the mark; if another process stored one since,
-//   this block is abandoned and the next starts past that mark. So no two
-//   assertions of a key ever share a counter, even across a crash, and counters
-//   never go backwards; they rise by one within a process and jump past the
-//   unused rest of a block after a restart.
+//   counter at or below it may have been used. Under the key's lock file, a
+//   service reserves a block of counters by storing a mark kCounterBlock ahead
+//   before the first of them is returned, then hands them out from memory.
+//   Reservations start past the stored mark, so blocks never overlap and no
+//   two assertions of a key share a counter, even across a crash. So that
+//   counters also rise when processes take turns on a key, every assertion
+//   first checks that the mark it reserved under is still the file on disk
+//   (a FileSnapshot, one fstat); if another process stored a mark since, the
+//   rest of this block is abandoned and the next starts past that mark.
+//   Counters rise by one within a process and jump past the unused rest of a
+//   block after a restart.
 //
 // Private keys are never logged, printed or put in an error.
 class SoftwareDeviceKeyService final : public DeviceKeyService {
  public:
-  // Counters reserved per durable write: a restart wastes at most this many of
-  // the 2^32 a key has, and a stored write is paid once per this many assertions.
-  static constexpr std::int64_t kCounterBlock = 64;
+  // Counters reserved per durable write, which costs about as much as forty
+  // signatures on a disk: paid once per this many assertions, it adds a few
+  // percent to each. A restart wastes at most this many of the 2^32 a key
+  // has, so a key outlives four million restarts.
+  static constexpr std::int64_t kCounterBlock = 1024;
 
   SoftwareDeviceKeyService(std::filesystem::path dataDirectory, std::string appIdentity);
+  ~SoftwareDeviceKeyService() override;
 
   bool isSupported() const override { return true; }
   std::expected<std::string, AppAttestError> generateKey() override;
@@ -67,22 +73,23 @@ class SoftwareDeviceKeyService final : public DeviceKeyService {
   // should cost a signature, not a file read and a key check.
   std::expected<std::shared_ptr<evp_pkey_st>, std::string> loadedKey(std::string_view keyId) const;
 
-  // The counters this service reserved for one key.
-  struct CounterBlock {
-    std::int64_t next = 0;
-    std::int64_t reservedThrough = 0;
-    // The counter file's text as this service stored it: the same text on disk
-    // means nobody reserved since.
-    std::string storedText;
-  };
+  // What asserting with one key needs besides the key: its lock file, the
+  // counters this service reserved and a prepared signer.
+  struct AssertingKey;
 
-  std::expected<std::uint32_t, AppAttestError> nextCounter(std::string_view keyId);
+  std::expected<AssertingKey*, AppAttestError> assertingKey(std::string_view keyId, evp_pkey_st* key);
+  std::expected<std::uint32_t, AppAttestError> nextCounter(AssertingKey& asserting, std::string_view keyId);
+  // Reads the stored mark and, when this service's block is used up or
+  // another's mark replaced it, reserves the next block; under the key's lock.
+  std::expected<void, AppAttestError> reserve(AssertingKey& asserting, const std::filesystem::path& counterPath);
 
   std::filesystem::path keyDirectory_;
   std::string appIdentity_;
-  // Serialises assertions within the process; the lock file does it across processes.
+  Sha256Digest appIdentityHash_;
+  // Serialises assertions within the process; a key's lock file serialises
+  // its reservations across processes.
   std::mutex assertionMutex_;
-  std::map<std::string, CounterBlock, std::less<>> counterBlocks_;  // guarded by assertionMutex_
+  std::map<std::string, std::unique_ptr<AssertingKey>, std::less<>> asserting_;  // guarded by assertionMutex_
   mutable std::mutex loadedMutex_;
   mutable std::map<std::string, std::shared_ptr<evp_pkey_st>, std::less<>> loaded_;
 };
