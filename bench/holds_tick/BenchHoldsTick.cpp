@@ -4,10 +4,8 @@
 // Each case runs repeatedly and the medians are compared at the end.
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <unistd.h>
 
@@ -15,6 +13,7 @@
 #include "KoviKit/foundation/FileIO.h"
 #include "KoviMacHolds/MacHoldsDecision.h"
 #include "KoviMacHolds/MacHoldsSnapshot.h"
+#include "bench/BenchMedianRatio.h"
 
 namespace {
 
@@ -80,39 +79,6 @@ void agentTick(benchmark::State& state, const SnapshotFile& file) {
   }
 }
 
-struct Median {
-  double realTime = 0;
-  double cpuTime = 0;
-};
-
-// Keeps the median times of each benchmark for the closing ratios.
-class MedianReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
-        medians[run.run_name.function_name] = {run.GetAdjustedRealTime(), run.GetAdjustedCPUTime()};
-      }
-    }
-    ConsoleReporter::ReportRuns(runs);
-  }
-  std::map<std::string, Median> medians;
-};
-
-// The target applies to the median wall time; CPU time is printed beside it
-// because a busy machine stretches wall times.
-void printRatio(const MedianReporter& reporter, const char* subject, const char* baseline, double target) {
-  const auto found = reporter.medians.find(subject), base = reporter.medians.find(baseline);
-  if (found == reporter.medians.end() || base == reporter.medians.end() || base->second.realTime <= 0 ||
-      base->second.cpuTime <= 0) {
-    return;
-  }
-  const double ratio = found->second.realTime / base->second.realTime;
-  const double cpuRatio = found->second.cpuTime / base->second.cpuTime;
-  std::printf("ratio: %s/%s = %.2fx median wall time, %.2fx CPU time (target <= %.0fx: %s)\n", subject, baseline,
-              ratio, cpuRatio, target, ratio <= target ? "met" : "missed");
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -125,10 +91,10 @@ int main(int argc, char** argv) {
        }) {
     registered->Repetitions(9)->ReportAggregatesOnly(true)->Unit(benchmark::kMicrosecond);
   }
-  MedianReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
+  kovi::bench::MedianKeeper keeper;
+  benchmark::RunSpecifiedBenchmarks(&keeper);
   benchmark::Shutdown();
-  printRatio(reporter, "tick_1KiB", "read_1KiB", 4);
-  printRatio(reporter, "tick_64KiB", "read_64KiB", 10);
-  return 0;
+  const bool typical = keeper.printRatio("tick_1KiB", "read_1KiB", 4);
+  const bool largest = keeper.printRatio("tick_64KiB", "read_64KiB", 10);
+  return typical && largest ? 0 : 1;
 }

@@ -56,12 +56,10 @@ HealthReadProgress progressLine(const std::string& name) {
 }
 
 void addReadCommand(CLI::App& evidence) {
-  struct Options {
-    std::string exportPath;
+  struct Options : HealthExportOptions {
     std::string rules;
     std::optional<UnixMillis> start;
     std::optional<UnixMillis> cutoff;
-    std::string sourcePriority;
   };
   auto options = std::make_shared<Options>();
   CLI::App* command = evidence.add_subcommand(
@@ -78,13 +76,10 @@ void addReadCommand(CLI::App& evidence) {
       "on stderr, and exits 1.\n"
       "--export is the phone's export.zip, its export.xml, or a JSON sample file\n"
       "  [{\"start\": MS, \"end\": MS, \"value\": 412, \"source\": \"Apple Watch\"}].");
-  command->add_option("--export", options->exportPath, "export.zip, export.xml or a JSON sample file")->required();
+  addHealthExportOptions(command, *options);
   command->add_option("--rules", options->rules, "The rules JSON file, or - for standard input")->required();
   addInstantOption(command, "--start", options->start, "When the kovi started")->required();
   addInstantOption(command, "--cutoff", options->cutoff, "When the reading is taken (default: now)");
-  command->add_option("--source-priority", options->sourcePriority,
-                      "Sources that count first where samples overlap, comma-separated (default: watches,\n"
-                      "then phones, then others, each by name)");
   command->callback([options] {
     const auto rules = decodeFile<WalkingKoviRules>(options->rules);
     if (!rules) return;

@@ -20,6 +20,7 @@
 #include "tools/kovi/Commands.h"
 #include "tools/kovi/Input.h"
 #include "tools/kovi/ServiceOrigin.h"
+#include "tools/kovi/WalkingInput.h"
 
 namespace kovi::tool {
 namespace {
@@ -382,10 +383,7 @@ void addSubmitCommand(CLI::App& evidence) {
 }
 
 void addUploadCommand(CLI::App& evidence) {
-  struct Options : DeviceOptions {
-    std::string exportPath;
-    std::string sourcePriority;
-  };
+  struct Options : DeviceOptions, HealthExportOptions {};
   auto options = std::make_shared<Options>();
   CLI::App* command = evidence.add_subcommand(
       "upload",
@@ -397,9 +395,7 @@ void addUploadCommand(CLI::App& evidence) {
       "A transient failure (network, 5xx) counts into the account's backoff and exits 1; while\n"
       "that backoff runs, the command says when the next attempt is allowed and exits 1. A\n"
       "refused kovi exits 1 after the others were tried; a success clears the backoff.");
-  command->add_option("--export", options->exportPath, "export.zip, export.xml or a JSON sample file")->required();
-  command->add_option("--source-priority", options->sourcePriority,
-                      "Sources that count first where samples overlap, comma-separated");
+  addHealthExportOptions(command, *options);
   addServiceOptions(command, *options);
   command->callback([options] {
     auto session = openSession(*options);

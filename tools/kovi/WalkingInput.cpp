@@ -29,4 +29,11 @@ std::optional<std::vector<HealthEvidenceDayWindow>> windowsOf(const WalkingKoviR
   return std::nullopt;
 }
 
+void addHealthExportOptions(CLI::App* command, HealthExportOptions& options) {
+  command->add_option("--export", options.exportPath, "export.zip, export.xml or a JSON sample file")->required();
+  command->add_option("--source-priority", options.sourcePriority,
+                      "Sources that count first where samples overlap, comma-separated (default: watches,\n"
+                      "then phones, then others, each by name)");
+}
+
 }  // namespace kovi::tool

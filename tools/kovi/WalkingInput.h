@@ -35,6 +35,15 @@ std::optional<T> decodeFile(const std::string& path) {
 CLI::Option* addInstantOption(CLI::App* command, const std::string& name, std::optional<UnixMillis>& target,
                               const std::string& description);
 
+// The Health export the evidence commands read steps from.
+struct HealthExportOptions {
+  std::string exportPath;
+  std::string sourcePriority;  // comma-separated source names; empty: watches, phones, others
+};
+
+// `--export` (required) and `--source-priority`.
+void addHealthExportOptions(CLI::App* command, HealthExportOptions& options);
+
 // The kovi's windows: the rules' own `dayWindows` when they verify, else the
 // derived ones. Prints the issues and ends with status 1 when they cannot.
 std::optional<std::vector<HealthEvidenceDayWindow>> windowsOf(const WalkingKoviRules& rules, UnixMillis start);
