@@ -7,7 +7,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <set>
 #include <string>
+#include <vector>
 
 #include "KoviKit/attest/P256Verification.h"
 #include "KoviKit/foundation/Base64.h"
@@ -76,6 +78,50 @@ TEST_F(SoftwareDeviceKeyServiceTest, CountersRiseAcrossServicesSharingAKeyAndNev
   const auto next = restarted.generateAssertion(keyId, clientDataHash);
   ASSERT_TRUE(next.has_value());
   EXPECT_EQ(verifyAssertion(publicKey, kApp, clientDataHash, *next), 5 * kBlock + 1);
+}
+
+// Processes asserting at the same time hand out counters without the lock
+// inside their blocks; the blocks they reserve must still never overlap.
+TEST_F(SoftwareDeviceKeyServiceTest, ProcessesAssertingAtOnceNeverShareACounter) {
+  const std::string keyId = newKey();
+  const auto publicKey = keys.publicKey(keyId).value();
+  constexpr int kProcesses = 3;
+  // Enough that every process reserves several blocks while the others do.
+  constexpr int kAssertionsEach = 2 * static_cast<int>(SoftwareDeviceKeyService::kCounterBlock);
+  int fds[2];
+  ASSERT_EQ(::pipe(fds), 0);
+  std::vector<pid_t> children;
+  for (int process = 0; process < kProcesses; ++process) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      ::close(fds[0]);
+      SoftwareDeviceKeyService service(directory.path(), std::string(kApp));
+      for (int count = 0; count < kAssertionsEach; ++count) {
+        const auto assertion = service.generateAssertion(keyId, clientDataHash);
+        if (!assertion) ::_exit(1);
+        const auto counter = verifyAssertion(publicKey, kApp, clientDataHash, *assertion);
+        if (!counter || ::write(fds[1], &*counter, sizeof *counter) != sizeof *counter) ::_exit(1);
+      }
+      ::_exit(0);
+    }
+    children.push_back(child);
+  }
+  ::close(fds[1]);
+  std::set<std::uint32_t> seen;
+  std::size_t received = 0;
+  std::uint32_t counter = 0;
+  while (::read(fds[0], &counter, sizeof counter) == sizeof counter) {
+    ++received;
+    EXPECT_TRUE(seen.insert(counter).second) << "counter " << counter << " used twice";
+  }
+  ::close(fds[0]);
+  for (const pid_t child : children) {
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  }
+  EXPECT_EQ(received, std::size_t{kProcesses} * kAssertionsEach);
 }
 
 TEST_F(SoftwareDeviceKeyServiceTest, AProcessKilledWhileAssertingNeverLetsItsCountersBeReused) {
