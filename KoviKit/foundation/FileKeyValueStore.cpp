@@ -77,7 +77,9 @@ std::expected<void, KeyValueStoreError> FileKeyValueStore::update(
   const std::lock_guard lock(mutex_);
   std::error_code error;
   std::filesystem::create_directories(lockPath_.parent_path(), error);
-  if (error) return std::unexpected(failure(KeyValueStoreError::Kind::unwritable, lockPath_.parent_path(), error.message()));
+  if (error) {
+    return std::unexpected(failure(KeyValueStoreError::Kind::unwritable, lockPath_.parent_path(), error.message()));
+  }
   auto fileLock = FileLock::acquire(lockPath_);
   if (!fileLock) return std::unexpected(KeyValueStoreError{KeyValueStoreError::Kind::unwritable, fileLock.error()});
 
