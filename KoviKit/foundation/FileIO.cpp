@@ -13,27 +13,6 @@
 namespace kovi {
 namespace {
 
-class FileDescriptor {
- public:
-  explicit FileDescriptor(int fd) : fd_(fd) {}
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  int get() const { return fd_; }
-  int release() { return std::exchange(fd_, -1); }
-  // Closes now and reports whether the close succeeded (write errors can surface here).
-  bool close() {
-    const int fd = fd_;
-    fd_ = -1;
-    return ::close(fd) == 0;
-  }
-
- private:
-  int fd_;
-};
-
 std::string systemError(std::string_view what, const std::filesystem::path& path) {
   return std::string(what) + " " + path.string() + ": " + std::strerror(errno);
 }
@@ -112,33 +91,12 @@ std::expected<FileSnapshot, FileReadError> FileSnapshot::read(const std::filesys
   if (::fstat(file.get(), &status) != 0) return std::unexpected(lastSystemReadError());
   auto contents = readOpenFile(file.get(), status, limit);
   if (!contents) return std::unexpected(contents.error());
-  return FileSnapshot(file.release(), status.st_size, modificationTime(status), std::move(*contents));
-}
-
-FileSnapshot::FileSnapshot(FileSnapshot&& other) noexcept
-    : fd_(std::exchange(other.fd_, -1)),
-      size_(other.size_),
-      modified_(other.modified_),
-      contents_(std::move(other.contents_)) {}
-
-FileSnapshot& FileSnapshot::operator=(FileSnapshot&& other) noexcept {
-  if (this != &other) {
-    if (fd_ >= 0) ::close(fd_);
-    fd_ = std::exchange(other.fd_, -1);
-    size_ = other.size_;
-    modified_ = other.modified_;
-    contents_ = std::move(other.contents_);
-  }
-  return *this;
-}
-
-FileSnapshot::~FileSnapshot() {
-  if (fd_ >= 0) ::close(fd_);
+  return FileSnapshot(std::move(file), status.st_size, modificationTime(status), std::move(*contents));
 }
 
 bool FileSnapshot::isCurrent() const {
   struct stat status {};
-  if (fd_ < 0 || ::fstat(fd_, &status) != 0 || status.st_nlink == 0) return false;
+  if (::fstat(file_.get(), &status) != 0 || status.st_nlink == 0) return false;
   const timespec modified = modificationTime(status);
   return status.st_size == size_ && modified.tv_sec == modified_.tv_sec && modified.tv_nsec == modified_.tv_nsec;
 }

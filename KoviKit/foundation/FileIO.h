@@ -8,6 +8,9 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include "KoviKit/foundation/FileDescriptor.h"
 
 namespace kovi {
 
@@ -35,20 +38,14 @@ class FileSnapshot {
   // Reads the file at `path`, of at most `limit` bytes, as readFileLimited does.
   static std::expected<FileSnapshot, FileReadError> read(const std::filesystem::path& path, std::size_t limit);
 
-  FileSnapshot(FileSnapshot&& other) noexcept;
-  FileSnapshot(const FileSnapshot&) = delete;
-  FileSnapshot& operator=(const FileSnapshot&) = delete;
-  FileSnapshot& operator=(FileSnapshot&& other) noexcept;
-  ~FileSnapshot();
-
   const std::string& contents() const { return contents_; }
   // False once the file at the path was replaced, removed or changed since the read.
   bool isCurrent() const;
 
  private:
-  FileSnapshot(int fd, off_t size, timespec modified, std::string contents)
-      : fd_(fd), size_(size), modified_(modified), contents_(std::move(contents)) {}
-  int fd_;
+  FileSnapshot(FileDescriptor file, off_t size, timespec modified, std::string contents)
+      : file_(std::move(file)), size_(size), modified_(modified), contents_(std::move(contents)) {}
+  FileDescriptor file_;
   off_t size_;
   timespec modified_;
   std::string contents_;

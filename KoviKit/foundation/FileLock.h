@@ -3,6 +3,9 @@
 #include <expected>
 #include <filesystem>
 #include <string>
+#include <utility>
+
+#include "KoviKit/foundation/FileDescriptor.h"
 
 namespace kovi {
 
@@ -38,15 +41,13 @@ class FileLock {
   // Blocks until this process holds the lock.
   std::expected<Held, std::string> hold();
 
-  FileLock(FileLock&& other) noexcept;
-  FileLock(const FileLock&) = delete;
-  FileLock& operator=(const FileLock&) = delete;
+  FileLock(FileLock&&) noexcept = default;
   FileLock& operator=(FileLock&&) = delete;
-  ~FileLock();  // closing the descriptor releases a lock still held
 
  private:
-  FileLock(int fd, std::filesystem::path path) : fd_(fd), path_(std::move(path)) {}
-  int fd_;
+  FileLock(FileDescriptor file, std::filesystem::path path) : file_(std::move(file)), path_(std::move(path)) {}
+  // Closing the descriptor releases a lock still held.
+  FileDescriptor file_;
   std::filesystem::path path_;
 };
 
