@@ -4,6 +4,7 @@
 
 #include "KoviKit/foundation/CanonicalJsonWriter.h"
 #include "KoviKit/foundation/FileIO.h"
+#include "KoviKit/foundation/Sha256.h"
 #include "KoviKit/foundation/Trap.h"
 
 namespace kovi {
@@ -11,10 +12,7 @@ namespace {
 
 using Store = V6EvidencePendingStore;
 
-// Hash prefixes long enough that two owners or two kovis never share one.
-constexpr std::size_t kNameHashDigits = 32;
-
-std::string ownerPrefix(std::string_view ownerID) { return sha256Hex(ownerID).substr(0, kNameHashDigits) + "-"; }
+std::string ownerPrefix(std::string_view ownerID) { return fileNameHash(ownerID) + "-"; }
 
 Store::Error storeError(Store::Failure failure, std::string detail) { return {failure, std::move(detail)}; }
 
@@ -56,7 +54,7 @@ Store::V6EvidencePendingStore(const std::filesystem::path& dataDirectory)
     : directory_(dataDirectory / "Kovi" / "PendingV6HealthEvidence") {}
 
 std::filesystem::path Store::pathFor(std::string_view ownerID, std::string_view reference) const {
-  return directory_ / (ownerPrefix(ownerID) + sha256Hex(reference).substr(0, kNameHashDigits) + ".json");
+  return directory_ / (ownerPrefix(ownerID) + fileNameHash(reference) + ".json");
 }
 
 std::string Store::encode(const Record& record) {

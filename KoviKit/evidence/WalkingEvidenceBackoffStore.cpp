@@ -15,7 +15,7 @@ WalkingEvidenceBackoffStore::WalkingEvidenceBackoffStore(const std::filesystem::
     : directory_(dataDirectory / "Kovi" / "WalkingEvidenceBackoff") {}
 
 std::filesystem::path WalkingEvidenceBackoffStore::pathFor(std::string_view ownerID) const {
-  return directory_ / (sha256Hex(ownerID).substr(0, 32) + ".json");
+  return directory_ / (fileNameHash(ownerID) + ".json");
 }
 
 std::expected<WalkingEvidenceBackoff, std::string> WalkingEvidenceBackoffStore::load(std::string_view ownerID) const {

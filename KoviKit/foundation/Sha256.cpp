@@ -32,4 +32,9 @@ std::string lowercaseHex(std::span<const std::uint8_t> bytes) {
 
 std::string sha256Hex(std::string_view bytes) { return lowercaseHex(sha256(bytes)); }
 
+std::string fileNameHash(std::string_view text) {
+  const Sha256Digest digest = sha256(text);
+  return lowercaseHex(std::span(digest).first(16));
+}
+
 }  // namespace kovi

@@ -19,4 +19,9 @@ std::string lowercaseHex(std::span<const std::uint8_t> bytes);
 // Lowercase hex SHA-256 of `bytes`: the form hashes take on the wire.
 std::string sha256Hex(std::string_view bytes);
 
+// How an outside text (an account, a kovi reference) stands in a file name:
+// the first 32 hex digits of its SHA-256, so none of its characters reaches a
+// path and two texts never share a name.
+std::string fileNameHash(std::string_view text);
+
 }  // namespace kovi
