@@ -344,21 +344,11 @@ void addSubmitCommand(CLI::App& evidence) {
       "run again after a lost answer and the pending record is resent with the same requestId.");
   command->add_option("REFERENCE", options->reference, "The kovi reference")->required();
   command->add_option("--reads", options->reads, "The reads JSON file, or - for standard input")->required();
-  command
-      ->add_option_function<std::string>(
-          "--cutoff",
-          [options](const std::string& text) {
-            options->cutoff = parseInstant(text);
-            if (!options->cutoff) throw CLI::ValidationError("\"" + text + "\" is not an ISO 8601 instant with an offset");
-          },
-          "When the reads were taken (ISO 8601 with an offset; default: now)")
-      ->type_name("TIME");
+  addInstantOption(command, "--cutoff", options->cutoff, "When the reads were taken (default: now)");
   addServiceOptions(command, *options);
   command->callback([options] {
-    auto text = readInput(options->reads);
-    if (!text) return fail(kUsageError, text.error());
-    auto reads = decodeJsonText<std::vector<HealthEvidenceDayRead>>(*text);
-    if (!reads) return fail(kUsageError, options->reads + ": " + reads.error().message());
+    const auto reads = decodeFile<std::vector<HealthEvidenceDayRead>>(options->reads);
+    if (!reads) return;
     auto session = openSession(*options);
     if (!session) return;
     auto run = session->beginSubmission(*options);
