@@ -4,12 +4,10 @@ namespace kovi {
 
 V6LiveHealthUploader::V6LiveHealthUploader(Dependencies dependencies) : dependencies_(std::move(dependencies)) {}
 
-bool V6LiveHealthUploader::adoptScope(const V6LiveHealthUploadScope& scope) {
-  if (state_.scope == scope) return false;
-  const bool changed = state_.scope.has_value();
+void V6LiveHealthUploader::adoptScope(const V6LiveHealthUploadScope& scope) {
+  if (state_.scope == scope) return;
   state_ = State{};
   state_.scope = scope;
-  return changed;
 }
 
 std::expected<void, V6EvidenceSubmissionError> V6LiveHealthUploader::scan(Pass& pass, UnixMillis now) {

@@ -94,8 +94,8 @@ class V6LiveHealthUploader {
   const State& state() const { return state_; }
 
  private:
-  // Drops everything learnt under another scope; true when the scope changed.
-  bool adoptScope(const V6LiveHealthUploadScope& scope);
+  // Drops everything learnt under another scope.
+  void adoptScope(const V6LiveHealthUploadScope& scope);
   std::expected<void, V6EvidenceSubmissionError> scan(Pass& pass, UnixMillis now);
 
   Dependencies dependencies_;
